@@ -1,0 +1,320 @@
+#include "quarn/text/string.h"
+
+#include "quarn/text/format_estimate.h"
+
+#include <algorithm>
+#include <memory>
+#include <stdexcept>
+
+#include <stdio.h>
+
+namespace Quarn {
+
+namespace {
+
+// The standard libraries word this differently; callers show it to people, so it is one text everywhere.
+[[noreturn]] void ThrowBadPosition()
+{
+    throw std::out_of_range("invalid string position");
+}
+
+void CheckPosition(std::size_t pos, std::size_t size)
+{
+    if (pos > size) {
+        ThrowBadPosition();
+    }
+}
+
+bool IsSpace(char c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+char UpperAscii(char c)
+{
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
+}
+
+char LowerAscii(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+}
+
+} // namespace
+
+string& string::operator=(std::string const& text)
+{
+    return assign(text);
+}
+
+string& string::operator=(char c)
+{
+    return assign(1, c);
+}
+
+string& string::operator=(char const* text)
+{
+    return assign(text);
+}
+
+string& string::assign(std::string const& text)
+{
+    std::string::assign(text);
+    return *this;
+}
+
+string& string::assign(std::string const& text, size_type pos, size_type count)
+{
+    CheckPosition(pos, text.size());
+    std::string::assign(text, pos, count);
+    return *this;
+}
+
+string& string::assign(char const* text)
+{
+    std::string::assign(text);
+    return *this;
+}
+
+string& string::assign(char const* text, size_type count)
+{
+    std::string::assign(text, count);
+    return *this;
+}
+
+string& string::assign(size_type count, char c)
+{
+    std::string::assign(count, c);
+    return *this;
+}
+
+string& string::append(std::string const& text)
+{
+    std::string::append(text);
+    return *this;
+}
+
+string& string::append(std::string const& text, size_type pos, size_type count)
+{
+    CheckPosition(pos, text.size());
+    std::string::append(text, pos, count);
+    return *this;
+}
+
+string& string::append(char c)
+{
+    push_back(c);
+    return *this;
+}
+
+string& string::append(char const* text)
+{
+    std::string::append(text);
+    return *this;
+}
+
+string& string::append(char const* text, size_type count)
+{
+    std::string::append(text, count);
+    return *this;
+}
+
+string& string::append(size_type count, char c)
+{
+    std::string::append(count, c);
+    return *this;
+}
+
+int string::compare(size_type pos, size_type count, std::string const& text) const
+{
+    CheckPosition(pos, size());
+    return std::string::compare(pos, count, text);
+}
+
+int string::compare(size_type pos, size_type count, char const* text) const
+{
+    CheckPosition(pos, size());
+    return std::string::compare(pos, count, text);
+}
+
+int string::compare(size_type pos, size_type count, char const* text, size_type textCount) const
+{
+    CheckPosition(pos, size());
+    return std::string::compare(pos, count, text, textCount);
+}
+
+char& string::at(size_type pos)
+{
+    if (pos >= size()) {
+        ThrowBadPosition();
+    }
+    return (*this)[pos];
+}
+
+char const& string::at(size_type pos) const
+{
+    if (pos >= size()) {
+        ThrowBadPosition();
+    }
+    return (*this)[pos];
+}
+
+string& string::erase(size_type pos, size_type count)
+{
+    CheckPosition(pos, size());
+    std::string::erase(pos, count);
+    return *this;
+}
+
+string& string::insert(size_type pos, std::string const& text)
+{
+    CheckPosition(pos, size());
+    std::string::insert(pos, text);
+    return *this;
+}
+
+string& string::insert(size_type pos, char const* text)
+{
+    CheckPosition(pos, size());
+    std::string::insert(pos, text);
+    return *this;
+}
+
+string& string::insert(size_type pos, char const* text, size_type count)
+{
+    CheckPosition(pos, size());
+    std::string::insert(pos, text, count);
+    return *this;
+}
+
+string& string::insert(size_type pos, size_type count, char c)
+{
+    CheckPosition(pos, size());
+    std::string::insert(pos, count, c);
+    return *this;
+}
+
+string string::substr(size_type pos, size_type count) const
+{
+    CheckPosition(pos, size());
+    return string(data() + pos, std::min(count, size() - pos));
+}
+
+string const& string::Trim()
+{
+    TrimLeft();
+    return TrimRight();
+}
+
+string const& string::TrimLeft()
+{
+    std::string::erase(begin(), std::find_if_not(begin(), end(), IsSpace));
+    return *this;
+}
+
+string const& string::TrimRight()
+{
+    std::string::erase(std::find_if_not(rbegin(), rend(), IsSpace).base(), end());
+    return *this;
+}
+
+string const& string::MakeUpper()
+{
+    std::transform(begin(), end(), begin(), UpperAscii);
+    return *this;
+}
+
+string const& string::MakeLower()
+{
+    std::transform(begin(), end(), begin(), LowerAscii);
+    return *this;
+}
+
+string string::Upper() const
+{
+    string copy = *this;
+    copy.MakeUpper();
+    return copy;
+}
+
+string string::Lower() const
+{
+    string copy = *this;
+    copy.MakeLower();
+    return copy;
+}
+
+string string::ClipTo(char c) const
+{
+    size_type const found = find(c);
+    if (found == npos) {
+        return *this;
+    }
+    string token = substr(0, found);
+    const_cast<string*>(this)->erase(0,
+                                     found + 1); // NOLINT(cppcoreguidelines-pro-type-const-cast): documented
+    return token;
+}
+
+string string::appended(char const* text) const
+{
+    string copy = *this;
+    copy.append(text);
+    return copy;
+}
+
+int string::Format(char const* format, ...)
+{
+    std::va_list args;
+    va_start(args, format);
+    int const result = FormatVar(format, args);
+    va_end(args);
+    return result;
+}
+
+int string::FormatVar(char const* format, std::va_list args)
+{
+    constexpr std::size_t stackSize = 512;
+    // The estimate grows with the square of literal text. Up to this size it is taken at its word; above it,
+    // the text tells its own length first.
+    constexpr std::size_t largestTrusted = 16384;
+
+    std::va_list measured;
+    va_copy(measured, args);
+    std::uint64_t const estimate = EstimateVarLength(format, measured);
+    va_end(measured);
+
+    char stack[stackSize];
+    std::unique_ptr<char[]> heap;
+    char* buffer = stack;
+    std::size_t capacity = stackSize;
+    if (estimate >= stackSize && estimate < largestTrusted) {
+        capacity = estimate + 1;
+        heap.reset(new char[capacity]);
+        buffer = heap.get();
+    }
+
+    std::va_list attempt;
+    va_copy(attempt, args);
+    int result = ::vsnprintf(buffer, capacity, format, attempt);
+    va_end(attempt);
+    if (result >= 0 && static_cast<std::size_t>(result) >= capacity) {
+        capacity = static_cast<std::size_t>(result) + 1;
+        heap.reset(new char[capacity]);
+        buffer = heap.get();
+        va_copy(attempt, args);
+        result = ::vsnprintf(buffer, capacity, format, attempt);
+        va_end(attempt);
+    }
+    if (result >= 0) {
+        assign(buffer);
+    }
+    return result;
+}
+
+std::uint64_t string::EstimateVarLength(char const* format, std::va_list args)
+{
+    return detail::EstimateFormatLength(format, args);
+}
+
+} // namespace Quarn

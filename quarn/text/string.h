@@ -1,0 +1,134 @@
+// Quarn::string: the narrow string of the whole library, the standard string with trimming, ASCII case, a
+// tokeniser step and printf-style formatting. Text is bytes; no encoding is assumed. A plain value: copying
+// copies the characters, one object belongs to one thread at a time.
+#pragma once
+
+#include "quarn/export.h"
+
+#include <concepts>
+#include <cstdarg>
+#include <cstdint>
+#include <iterator>
+#include <string>
+
+namespace Quarn {
+
+class QUARN_API string : public std::string
+{
+public:
+    // "Not found" of the find operations and "to the end" of counts: all 64 bits set.
+    static constexpr std::uint64_t npos = UINT64_MAX;
+    static constexpr std::uint64_t NPOS = npos;
+
+    string() noexcept = default;
+    string(string const& other) = default;
+    string(string&& other) noexcept = default;
+    ~string() = default;
+
+    string(std::string const& text) : std::string(text) {}
+    string(std::string&& text) noexcept : std::string(std::move(text)) {}
+    // A string of length 1.
+    string(char c) : std::string(1, c) {}
+    // The text up to its terminator; `text` is not null.
+    string(char const* text) : std::string(text) {}
+    string(char const* text, size_type count) : std::string(text, count) {}
+    string(size_type count, char c) : std::string(count, c) {}
+    // A number is not a text: no integer becomes a string through `char`.
+    template<std::integral T>
+        requires(!std::same_as<T, char>)
+    string(T)
+    = delete;
+
+    string& operator=(string const& other) = default;
+    string& operator=(string&& other) noexcept = default;
+    string& operator=(std::string const& text);
+    string& operator=(char c);
+    string& operator=(char const* text);
+
+    // Assignment and appending. Positions beyond the source's end throw std::out_of_range with the text
+    // "invalid string position", as all operations below that take a position do.
+    string& assign(std::string const& text);
+    string& assign(std::string const& text, size_type pos, size_type count = npos);
+    string& assign(char const* text);
+    string& assign(char const* text, size_type count);
+    string& assign(size_type count, char c);
+    template<std::input_iterator It>
+    string& assign(It first, It last)
+    {
+        std::string::assign(first, last);
+        return *this;
+    }
+
+    string& append(std::string const& text);
+    string& append(std::string const& text, size_type pos, size_type count = npos);
+    string& append(char c);
+    string& append(char const* text);
+    string& append(char const* text, size_type count);
+    string& append(size_type count, char c);
+    template<std::input_iterator It>
+    string& append(It first, It last)
+    {
+        std::string::append(first, last);
+        return *this;
+    }
+    string& operator+=(std::string const& text) { return append(text); }
+    string& operator+=(char const* text) { return append(text); }
+    string& operator+=(char c) { return append(c); }
+
+    using std::string::compare;
+    int compare(size_type pos, size_type count, std::string const& text) const;
+    int compare(size_type pos, size_type count, char const* text) const;
+    int compare(size_type pos, size_type count, char const* text, size_type textCount) const;
+
+    // The character at `pos`, which must be below size().
+    char& at(size_type pos);
+    char const& at(size_type pos) const;
+
+    using std::string::erase;
+    string& erase(size_type pos = 0, size_type count = npos);
+
+    using std::string::insert;
+    string& insert(size_type pos, std::string const& text);
+    string& insert(size_type pos, char const* text);
+    string& insert(size_type pos, char const* text, size_type count);
+    string& insert(size_type pos, size_type count, char c);
+
+    string substr(size_type pos = 0, size_type count = npos) const;
+
+    // Removes leading and trailing white space (space, tab, line feed, vertical tab, form feed, carriage
+    // return) in place; the result is this string.
+    string const& Trim();
+    string const& TrimLeft();
+    string const& TrimRight();
+
+    // Changes the ASCII letters in place and leaves every other byte; no locale is consulted.
+    string const& MakeUpper();
+    string const& MakeLower();
+    // The same on a copy.
+    string Upper() const;
+    string Lower() const;
+
+    bool Contains(char c) const { return find(c) != npos; }
+
+    // A tokeniser step. Where `c` occurs: the text before its first occurrence is the result, and that text
+    // with the `c` behind it is removed from this string, a constant one too. Where it does not occur: the
+    // result is a copy of the whole string, which stays as it is; a loop asks Contains first. An object that
+    // was defined constant must not be clipped.
+    string ClipTo(char c) const;
+
+    string appended(char const* text) const;
+
+    // Replaces the contents by the text of a printf-style format in the current locale, up to its first zero
+    // byte. The arguments, this string among them, may be read while the text is made. Returns the number of
+    // characters of the text, or a negative number where the C library refuses the format (a width above
+    // 2147483647, say); the contents then stay as they are. The C library's rules hold for arguments that do
+    // not match the format: there are none.
+    int Format(char const* format, ...) QUARN_PRINTF(2, 3);
+
+private:
+    int FormatVar(char const* format, std::va_list args) QUARN_PRINTF(2, 0);
+    // An upper bound for the characters that the common conversions produce; see text/format_estimate.h.
+    static std::uint64_t EstimateVarLength(char const* format, std::va_list args);
+};
+
+} // namespace Quarn
