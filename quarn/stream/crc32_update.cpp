@@ -1,0 +1,86 @@
+#include "quarn/stream/crc32_update.h"
+
+#include <array>
+#include <bit>
+
+#include <string.h>
+
+namespace Quarn::detail {
+
+namespace {
+
+using Tables = std::array<std::array<std::uint32_t, 256>, 8>;
+
+constexpr std::uint32_t reflectedPolynomial = 0xEDB88320;
+
+// Table 0 is the standard reflected table; table k advances an entry of table 0 by k more zero bytes.
+constexpr Tables MakeTables()
+{
+    Tables tables{};
+    for (std::uint32_t i = 0; i < 256; ++i) {
+        std::uint32_t reg = i;
+        for (int bit = 0; bit < 8; ++bit) {
+            reg = (reg >> 1U) ^ ((reg & 1U) != 0 ? reflectedPolynomial : 0U);
+        }
+        tables[0][i] = reg;
+    }
+    for (std::size_t k = 1; k < tables.size(); ++k) {
+        for (std::size_t i = 0; i < 256; ++i) {
+            std::uint32_t const before = tables[k - 1][i];
+            tables[k][i] = tables[0][before & 0xFFU] ^ (before >> 8U);
+        }
+    }
+    return tables;
+}
+
+constexpr Tables g_tables = MakeTables();
+
+static_assert(g_tables[0][1] == 0x77073096 && g_tables[0][128] == 0xEDB88320 &&
+              g_tables[0][255] == 0x2D02EF8D);
+
+std::uint64_t LoadLittleEndian64(unsigned char const* p)
+{
+    static_assert(std::endian::native == std::endian::little);
+    std::uint64_t word = 0;
+    ::memcpy(&word, p, sizeof word);
+    return word;
+}
+
+} // namespace
+
+std::uint32_t Crc32Step(std::uint32_t reg, unsigned char byte)
+{
+    return g_tables[0][(reg ^ byte) & 0xFFU] ^ (reg >> 8U);
+}
+
+std::uint32_t Crc32Plain(std::uint32_t reg, unsigned char const* data, std::size_t n)
+{
+    for (std::size_t i = 0; i < n; ++i) {
+        reg = Crc32Step(reg, data[i]);
+    }
+    return reg;
+}
+
+std::uint32_t Crc32Sliced(std::uint32_t reg, unsigned char const* data, std::size_t n)
+{
+    for (; n >= 8; n -= 8, data += 8) {
+        std::uint64_t const word = LoadLittleEndian64(data) ^ reg;
+        reg = g_tables[7][word & 0xFFU] ^ g_tables[6][word >> 8U & 0xFFU] ^ g_tables[5][word >> 16U & 0xFFU] ^
+              g_tables[4][word >> 24U & 0xFFU] ^ g_tables[3][word >> 32U & 0xFFU] ^
+              g_tables[2][word >> 40U & 0xFFU] ^ g_tables[1][word >> 48U & 0xFFU] ^ g_tables[0][word >> 56U];
+    }
+    return Crc32Plain(reg, data, n);
+}
+
+std::uint32_t Crc32Update(std::uint32_t reg, unsigned char const* data, std::size_t n)
+{
+    // Below this the tables are as fast, and the look for the best path is saved.
+    constexpr std::size_t shortInput = 32;
+    if (n < shortInput) {
+        return Crc32Sliced(reg, data, n);
+    }
+    static Crc32Function const best = Crc32Folding() != nullptr ? Crc32Folding() : Crc32Sliced;
+    return best(reg, data, n);
+}
+
+} // namespace Quarn::detail

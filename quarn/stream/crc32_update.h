@@ -1,0 +1,27 @@
+// The CRC-32 register update behind Quarn::CRC32, in several speeds with one result. Which one runs is
+// decided once per process from what the processor has.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace Quarn::detail {
+
+using Crc32Function = std::uint32_t (*)(std::uint32_t reg, unsigned char const* data, std::size_t n);
+
+// One byte, by the reflected table.
+std::uint32_t Crc32Step(std::uint32_t reg, unsigned char byte);
+
+// The plain definition: one table step a byte. Every other path is tested against it.
+std::uint32_t Crc32Plain(std::uint32_t reg, unsigned char const* data, std::size_t n);
+
+// Eight bytes at a time by eight tables ("slicing-by-8", M. Kounavis and F. Berry, 2005), on any processor.
+std::uint32_t Crc32Sliced(std::uint32_t reg, unsigned char const* data, std::size_t n);
+
+// The path by carry-less multiplication (crc32_clmul.cpp), or null where the processor has none.
+Crc32Function Crc32Folding();
+
+// The fastest of these on this processor.
+std::uint32_t Crc32Update(std::uint32_t reg, unsigned char const* data, std::size_t n);
+
+} // namespace Quarn::detail
