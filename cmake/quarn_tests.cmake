@@ -1,0 +1,45 @@
+# How tests are declared; tests/CMakeLists.txt says which there are.
+include(googletest)
+
+set(quarn_test_properties TIMEOUT 120)
+if(CMAKE_CROSSCOMPILING)
+  list(APPEND quarn_test_properties FIXTURES_REQUIRED wine)
+endif()
+
+function(quarn_discover_tests name)
+  target_link_libraries(${name} PRIVATE GTest::gtest GTest::gtest_main quarn_warnings)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_compile_definitions(${name} PRIVATE QUARN_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data")
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+    WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR} PROPERTIES ${quarn_test_properties})
+endfunction()
+
+# quarn_add_test(name source...): a program linked to the library as a client is.
+function(quarn_add_test name)
+  add_executable(${name} ${ARGN})
+  target_link_libraries(${name} PRIVATE QuarnUtil::QuarnUtil)
+  quarn_discover_tests(${name})
+endfunction()
+
+# quarn_private_test(name source...): a program made of the library's objects, which may include private
+# headers. It sees an empty QUARN_API.
+function(quarn_private_test name)
+  add_executable(${name} ${ARGN} $<TARGET_OBJECTS:quarn_objects>)
+  target_compile_definitions(${name} PRIVATE QUARN_STATIC)
+  target_link_libraries(${name} PRIVATE ${quarn_dependencies})
+  quarn_discover_tests(${name})
+endfunction()
+
+# quarn_add_compile_failure_test(name source "regular expression" [macro]): the source compiles as it is, and
+# fails with the macro (MUST_NOT_COMPILE) defined, with a match in the compiler's output. A source with
+# several wrong lines has a macro, and a test, for each.
+function(quarn_add_compile_failure_test name source expected)
+  set(macro MUST_NOT_COMPILE)
+  if(ARGC GREATER 3)
+    set(macro ${ARGV3})
+  endif()
+  get_filename_component(source ${source} ABSOLUTE)
+  add_test(NAME ${name} COMMAND ${CMAKE_COMMAND} -DCOMPILER=${CMAKE_CXX_COMPILER} -DSOURCE=${source}
+    -DMACRO=${macro} -DEXPECTED=${expected} "-DFLAGS=-std=c++20 -Wall -Wextra -I${PROJECT_SOURCE_DIR}"
+    -P ${PROJECT_SOURCE_DIR}/cmake/compile_failure.cmake)
+endfunction()
