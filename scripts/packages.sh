@@ -1,0 +1,33 @@
+# Which packages of Debian 12 each job needs, and how they are installed. Sourced by the scripts.
+
+packages_build=(cmake ninja-build g++ libxerces-c-dev zlib1g-dev)
+packages_test=(libgtest-dev locales tzdata pkg-config)
+# The Xerces-C for Windows comes from a source package, which dpkg-dev unpacks.
+packages_windows=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev dpkg-dev wine wine64)
+packages_windows_test=(googletest)
+packages_check=(clang-14 libclang-rt-14-dev clang-format-14 clang-tidy-14)
+
+# install_packages PACKAGE...: installs those that are missing, and says which.
+install_packages() {
+    local package missing=() sudo=()
+    for package; do
+        dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q ' installed$' || missing+=("$package")
+    done
+    [ ${#missing[@]} -gt 0 ] || return 0
+    if [ "$(id -u)" != 0 ]; then
+        if ! command -v sudo >/dev/null; then
+            echo "Missing packages; as root, run: apt-get install ${missing[*]}" >&2
+            return 1
+        fi
+        sudo=(sudo)
+    fi
+    say "Installing with apt-get: ${missing[*]}"
+    local log=$root/build/logs/apt-get.log
+    if ! { "${sudo[@]}" apt-get -q update &&
+        "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive \
+            apt-get -q install -y --no-install-recommends "${missing[@]}"; } </dev/null >"$log" 2>&1; then
+        tail -n 20 "$log" >&2
+        echo "apt-get failed; its whole output is in $log" >&2
+        return 1
+    fi
+}
