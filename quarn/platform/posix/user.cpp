@@ -5,9 +5,9 @@
 
 #include <unistd.h>
 
-extern "C" int MessageBoxA(HWND /*owner*/, char const* text, char const* caption, UINT /*type*/)
+int MessageBoxA(HWND /*owner*/, char const* text, char const* caption, UINT /*type*/)
 {
-    std::fprintf(stderr, "%s\n%s\n", caption, text);
+    std::fprintf(stderr, "%s\n%s\n", caption != nullptr ? caption : "Error", text != nullptr ? text : "");
     std::fflush(stderr);
     if (::isatty(STDIN_FILENO) == 1 && ::tcgetpgrp(STDIN_FILENO) == ::getpgrp()) {
         std::fprintf(stderr, "[Enter] ");
