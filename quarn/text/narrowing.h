@@ -26,6 +26,22 @@ inline std::uint32_t NarrowCount(std::size_t count) noexcept
     return Int64ToUInt32(static_cast<std::int64_t>(count), "", 0);
 }
 
+// A number for a 32-bit field: its low 32 bits, with the same message where they are not the whole of it.
+inline std::int32_t NarrowLong(long value) noexcept
+{
+    auto const low = static_cast<std::int32_t>(value);
+    if (low != value) {
+        ReportNarrowing();
+    }
+    return low;
+}
+
+// The same for an unsigned number. One with all upper bits set, as a negative number becomes, is not reported.
+inline std::uint32_t NarrowLong(unsigned long value) noexcept
+{
+    return NarrowCount(value);
+}
+
 } // namespace detail
 
 } // namespace Quarn

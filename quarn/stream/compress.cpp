@@ -1,0 +1,7 @@
+#include "quarn/stream/compress.h"
+
+namespace Quarn {
+
+StreamCompress::~StreamCompress() = default;
+
+} // namespace Quarn

@@ -1,0 +1,119 @@
+// Quarn::ostream: the abstract binary output stream. A concrete stream moves raw bytes (`output`) and
+// positions; how numbers, strings and records are stored is decided here, once. Numbers are little-endian in
+// the widths of 64-bit Windows: `long` is stored in 32 bits on every system. A stream belongs to one thread
+// at a time. Failures are exceptions (stream_exception.h) of the concrete stream; what was written before one
+// stays written.
+#pragma once
+
+#include "quarn/export.h"
+#include "quarn/stream/header_block.h"
+#include "quarn/stream/wire.h"
+#include "quarn/text/string.h"
+
+#include <concepts>
+#include <cstdint>
+#include <ios>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+namespace Quarn {
+
+class StreamCompress;
+class Time;
+
+class QUARN_API ostream
+{
+public:
+    virtual ~ostream();
+
+    // Stores id, then version.
+    virtual ostream& operator<<(Stream::HeaderBlock const& header);
+    // Stores High, then Low (time/time.h).
+    virtual ostream& operator<<(Time const& time);
+    // Strings: the marker 0xFFFFFFFF, the length, its bitwise complement (32 bits each), then the characters
+    // through write(), without a terminator; an empty string has no body. A length above 32 bits is narrowed
+    // as Int64ToUInt32 does. In dump mode only the characters are written. A `char const*` is stored as the
+    // Quarn::string of its text up to the terminator; null counts as empty.
+    virtual ostream& operator<<(char const* text);
+    virtual ostream& operator<<(std::string const& text);
+    virtual ostream& operator<<(string const& text);
+
+    // Hands buffered bytes on. What it could not write shows in IsValidOutput().
+    virtual ostream& flush() = 0;
+    // The position of the next byte.
+    virtual std::streampos tellp() = 0;
+    // Moves to the low 32 bits of `offset` from the beginning (direction 0), the current position (1) or the
+    // end (2); the concrete stream says what becomes of other directions and of places outside.
+    virtual ostream& seekp(unsigned long offset, unsigned int direction) = 0;
+    // Moves to a position from the beginning, beyond 4 GiB too.
+    virtual ostream& seekp(std::streampos position) = 0;
+    // Whether no operation has failed since the last clearstate().
+    virtual bool IsValidOutput() const = 0;
+    virtual void clearstate() = 0;
+    virtual void close();
+    // The path of the file behind the stream, valid until the stream is opened anew or destroyed; null where
+    // there is none.
+    virtual char const* get_path();
+
+protected:
+    // Moves `n` bytes; the one way by which anything leaves.
+    virtual ostream& output(unsigned char const* data, unsigned long n) = 0;
+
+public:
+    // Numbers go to `output` as they are, never compressed: char and bool (0 or 1) in 1 byte, short in 2,
+    // int, long and float in 4, double and long double (as a double) in 8. A long that does not fit 32 bits
+    // is reported as Int64ToUInt32 does (text/narrowing.h) and cut.
+    ostream& operator<<(char value) { return Put(value); }
+    ostream& operator<<(unsigned char value) { return Put(value); }
+    ostream& operator<<(bool value) { return Put(static_cast<unsigned char>(value ? 1 : 0)); }
+    ostream& operator<<(short value) { return Put(value); }
+    ostream& operator<<(unsigned short value) { return Put(value); }
+    ostream& operator<<(int value) { return Put(value); }
+    ostream& operator<<(unsigned int value) { return Put(value); }
+    ostream& operator<<(long value);
+    ostream& operator<<(unsigned long value);
+    ostream& operator<<(float value) { return Put(value); }
+    ostream& operator<<(double value) { return Put(value); }
+    ostream& operator<<(long double value) { return Put(static_cast<double>(value)); }
+    // An address is no value to store; without this it would become a bool.
+    template<typename T>
+        requires(!std::same_as<std::remove_cv_t<T>, char>)
+    ostream& operator<<(T*) = delete;
+
+    // Stores a block of `n` bytes. Where a compressor is set, `n` is at least its minimum size and the stream
+    // is not in dump mode: `n`, the compressed count (32 bits each) and the compressed bytes; otherwise the
+    // bytes as they are. A count above 32 bits is narrowed as Int64ToUInt32 does.
+    ostream& write(unsigned char const* data, unsigned long n);
+    ostream& write(void const* data, unsigned long n);
+
+    // The compressor for all blocks and string bodies from now on; null (as in the beginning) for none. It
+    // stays the caller's and must outlive its use here.
+    void SetCompressor(StreamCompress* compressor) { m_compressor = compressor; }
+
+protected:
+    // In dump mode the stream is a text for people: strings without their prefix, nothing compressed. Fixed
+    // for life. Only a bool will do: no number or address passes for one.
+    template<std::same_as<bool> Bool>
+    explicit ostream(Bool dumpMode) : m_dumpMode(dumpMode)
+    {}
+    // Copies share the compressor.
+    ostream(ostream const& other) = default;
+    ostream& operator=(ostream const& other) = default;
+
+private:
+    template<typename T>
+    ostream& Put(T value)
+    {
+        unsigned char bytes[sizeof value];
+        detail::ToWire(bytes, value);
+        return output(bytes, sizeof bytes);
+    }
+    ostream& PutString(std::string_view text);
+
+    bool m_dumpMode;
+    std::int32_t m_indent = 0; // spaces before a dumped line
+    StreamCompress* m_compressor = nullptr;
+};
+
+} // namespace Quarn

@@ -1,0 +1,60 @@
+// Quarn::statstream: an output stream that stores nothing. It counts the bytes that a record takes and, when
+// asked to, their CRC-32: write the record to it first, with the very code that writes it for good. One
+// object belongs to one thread at a time.
+#pragma once
+
+#include "quarn/export.h"
+#include "quarn/stream/crc32.h"
+#include "quarn/stream/ostream.h"
+
+#include <concepts>
+#include <cstdint>
+#include <ios>
+
+namespace Quarn {
+
+class QUARN_API statstream : public ostream
+{
+public:
+    // `crcEnabled`: whether the CRC is kept; `dumpMode` as in ostream. Nothing but a bool passes for either.
+    statstream() : statstream(false) {}
+    template<std::same_as<bool> Bool>
+    explicit statstream(Bool crcEnabled) : statstream(crcEnabled, false)
+    {}
+    template<std::same_as<bool> Bool1, std::same_as<bool> Bool2>
+    statstream(Bool1 crcEnabled, Bool2 dumpMode) : ostream(dumpMode),
+                                                   m_crcEnabled(crcEnabled)
+    {}
+    statstream(statstream const& other) = default;
+    statstream& operator=(statstream const& other) = default;
+    ~statstream() override;
+
+    // The bytes counted, modulo 2^32.
+    unsigned long GetSize() const { return m_size; }
+    // The CRC of these bytes; that of no bytes where it is not enabled.
+    CRC32 const& GetCRC() const { return m_crc; }
+    unsigned long GetCRCValue() const { return m_crc.GetValue(); }
+    // Starts again with size and CRC of no bytes.
+    void Clear();
+
+    // There is nothing to flush, no place to seek to, and the position is always 0.
+    ostream& flush() override;
+    std::streampos tellp() override;
+    ostream& seekp(unsigned long offset, unsigned int direction) override;
+    ostream& seekp(std::streampos position) override;
+    // True.
+    bool IsValidOutput() const override;
+    void clearstate() override;
+    void close() override;
+    char const* get_path() override;
+
+protected:
+    ostream& output(unsigned char const* data, unsigned long n) override;
+
+private:
+    bool m_crcEnabled;
+    CRC32 m_crc;
+    std::uint32_t m_size = 0;
+};
+
+} // namespace Quarn
