@@ -1,5 +1,6 @@
 #include "quarn/stream/file_stream.h"
 
+#include "quarn/platform/win32_api.h"
 #include "quarn/stream/stream_exception.h"
 #include "quarn/text/narrowing.h"
 
@@ -9,11 +10,18 @@ namespace Quarn {
 
 namespace {
 
+// POSIX opens a folder for reading like a file.
+bool IsFolder(char const* path)
+{
+    DWORD const attributes = ::GetFileAttributesA(path);
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
 template<typename Stream>
 void Open(Stream& stream, string& storedPath, char const* path, int mode, std::ios_base::openmode direction)
 {
     storedPath = path != nullptr ? path : "";
-    if (path == nullptr) {
+    if (path == nullptr || IsFolder(path)) {
         stream.setstate(std::ios_base::failbit);
         return;
     }
