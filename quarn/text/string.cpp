@@ -42,6 +42,10 @@ char LowerAscii(char c)
 
 } // namespace
 
+// Named once more, so that the library holds the constants for clients that take a reference to them.
+constexpr std::uint64_t string::npos;
+constexpr std::uint64_t string::NPOS;
+
 string& string::operator=(std::string const& text)
 {
     return assign(text);
@@ -131,6 +135,14 @@ int string::compare(size_type pos, size_type count, std::string const& text) con
     return std::string::compare(pos, count, text);
 }
 
+int string::compare(size_type pos, size_type count, std::string const& text, size_type textPos,
+                    size_type textCount) const
+{
+    CheckPosition(pos, size());
+    CheckPosition(textPos, text.size());
+    return std::string::compare(pos, count, text, textPos, textCount);
+}
+
 int string::compare(size_type pos, size_type count, char const* text) const
 {
     CheckPosition(pos, size());
@@ -170,6 +182,14 @@ string& string::insert(size_type pos, std::string const& text)
 {
     CheckPosition(pos, size());
     std::string::insert(pos, text);
+    return *this;
+}
+
+string& string::insert(size_type pos, std::string const& text, size_type textPos, size_type textCount)
+{
+    CheckPosition(pos, size());
+    CheckPosition(textPos, text.size());
+    std::string::insert(pos, text, textPos, textCount);
     return *this;
 }
 
@@ -251,8 +271,8 @@ string string::ClipTo(char c) const
         return *this;
     }
     string token = substr(0, found);
-    const_cast<string*>(this)->erase(0,
-                                     found + 1); // NOLINT(cppcoreguidelines-pro-type-const-cast): documented
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): documented
+    const_cast<string*>(this)->erase(0, found + 1);
     return token;
 }
 

@@ -10,8 +10,18 @@
 #include <cstdint>
 #include <iterator>
 #include <string>
+#include <type_traits>
+#include <utility>
 
 namespace Quarn {
+
+namespace detail {
+
+// What would silently become a character: every number and enumeration but `char` itself.
+template<typename T>
+concept NoCharacter = !std::same_as<T, char> && (std::is_arithmetic_v<T> || std::is_enum_v<T>);
+
+} // namespace detail
 
 class QUARN_API string : public std::string
 {
@@ -33,17 +43,17 @@ public:
     string(char const* text) : std::string(text) {}
     string(char const* text, size_type count) : std::string(text, count) {}
     string(size_type count, char c) : std::string(count, c) {}
-    // A number is not a text: no integer becomes a string through `char`.
-    template<std::integral T>
-        requires(!std::same_as<T, char>)
-    string(T)
-    = delete;
+    // A number is not a text: none becomes a string through `char`.
+    template<detail::NoCharacter T>
+    string(T) = delete;
 
     string& operator=(string const& other) = default;
     string& operator=(string&& other) noexcept = default;
     string& operator=(std::string const& text);
     string& operator=(char c);
     string& operator=(char const* text);
+    template<detail::NoCharacter T>
+    string& operator=(T) = delete;
 
     // Assignment and appending. Positions beyond the source's end throw std::out_of_range with the text
     // "invalid string position", as all operations below that take a position do.
@@ -77,6 +87,8 @@ public:
 
     using std::string::compare;
     int compare(size_type pos, size_type count, std::string const& text) const;
+    int compare(size_type pos, size_type count, std::string const& text, size_type textPos,
+                size_type textCount = npos) const;
     int compare(size_type pos, size_type count, char const* text) const;
     int compare(size_type pos, size_type count, char const* text, size_type textCount) const;
 
@@ -89,6 +101,7 @@ public:
 
     using std::string::insert;
     string& insert(size_type pos, std::string const& text);
+    string& insert(size_type pos, std::string const& text, size_type textPos, size_type textCount = npos);
     string& insert(size_type pos, char const* text);
     string& insert(size_type pos, char const* text, size_type count);
     string& insert(size_type pos, size_type count, char c);
