@@ -1,5 +1,6 @@
 #include "quarn/text/string.h"
 
+#include "quarn/text/ascii.h"
 #include "quarn/text/format_estimate.h"
 
 #include <algorithm>
@@ -23,21 +24,6 @@ void CheckPosition(std::size_t pos, std::size_t size)
     if (pos > size) {
         ThrowBadPosition();
     }
-}
-
-bool IsSpace(char c)
-{
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
-char UpperAscii(char c)
-{
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
-}
-
-char LowerAscii(char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
 }
 
 } // namespace
@@ -228,25 +214,25 @@ string const& string::Trim()
 
 string const& string::TrimLeft()
 {
-    std::string::erase(begin(), std::find_if_not(begin(), end(), IsSpace));
+    std::string::erase(begin(), std::find_if_not(begin(), end(), detail::IsSpace));
     return *this;
 }
 
 string const& string::TrimRight()
 {
-    std::string::erase(std::find_if_not(rbegin(), rend(), IsSpace).base(), end());
+    std::string::erase(std::find_if_not(rbegin(), rend(), detail::IsSpace).base(), end());
     return *this;
 }
 
 string const& string::MakeUpper()
 {
-    std::transform(begin(), end(), begin(), UpperAscii);
+    std::transform(begin(), end(), begin(), detail::UpperAscii);
     return *this;
 }
 
 string const& string::MakeLower()
 {
-    std::transform(begin(), end(), begin(), LowerAscii);
+    std::transform(begin(), end(), begin(), detail::LowerAscii);
     return *this;
 }
 
