@@ -137,11 +137,14 @@ constexpr DWORD CREATE_ALWAYS = 2;
 constexpr DWORD OPEN_EXISTING = 3;
 constexpr DWORD FILE_ATTRIBUTE_READONLY = 0x1;
 constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x10;
+constexpr DWORD FILE_ATTRIBUTE_ARCHIVE = 0x20;
+constexpr DWORD FILE_ATTRIBUTE_DEVICE = 0x40;
 constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
 // Needed to open a folder.
 constexpr DWORD FILE_FLAG_BACKUP_SEMANTICS = 0x02000000;
 
-// Sharing is not enforced: every open file can be opened, moved and deleted, as if all the share flags were
+// Access 0 needs no permission for the file itself and serves to ask for its path, size and the like. Sharing
+// is not enforced: every open file can be opened, moved and deleted, as if all the share flags were
 // given. Of the flags only FILE_FLAG_BACKUP_SEMANTICS counts; paths may be longer than MAX_PATH. Pipes and
 // sockets are refused. Regular files without any write permission are read-only files: they are not
 // opened for writing, deleted or replaced by anybody, the superuser included.
@@ -159,7 +162,8 @@ constexpr DWORD INVALID_FILE_ATTRIBUTES = 0xFFFFFFFF;
 constexpr DWORD MOVEFILE_REPLACE_EXISTING = 0x1;
 constexpr DWORD MOVEFILE_WRITE_THROUGH = 0x8;
 
-// The attributes of what a symbolic link leads to.
+// The attributes of what a symbolic link leads to. FILE_ATTRIBUTE_DEVICE stands for all that is neither file
+// nor folder.
 QUARN_API DWORD GetFileAttributesA(char const* path);
 QUARN_API BOOL DeleteFileA(char const* path);
 // MOVEFILE_WRITE_THROUGH syncs the folders of both names. A symbolic link is moved or replaced itself. Two
@@ -167,7 +171,6 @@ QUARN_API BOOL DeleteFileA(char const* path);
 QUARN_API BOOL MoveFileExA(char const* from, char const* to, DWORD flags);
 QUARN_API BOOL CopyFileA(char const* from, char const* to, BOOL failIfExists);
 QUARN_API BOOL CreateHardLinkA(char const* name, char const* existing, _SECURITY_ATTRIBUTES* security);
-QUARN_API BOOL CreateDirectoryA(char const* path, _SECURITY_ATTRIBUTES* security);
 
 struct WIN32_FIND_DATAA
 {
@@ -198,7 +201,6 @@ constexpr DWORD VOLUME_NAME_DOS = 0x0;
 QUARN_API DWORD GetFullPathNameA(char const* path, DWORD size, char* buffer, char** filePart);
 // The path as it is now, without symbolic links. On Windows it begins with "\\?\".
 QUARN_API DWORD GetFinalPathNameByHandleA(HANDLE file, char* buffer, DWORD size, DWORD flags);
-QUARN_API DWORD GetCurrentDirectoryA(DWORD size, char* buffer);
 
 // ---- files: permissions
 

@@ -95,6 +95,9 @@ BOOL FailPath(char const* path, DWORD existing)
     if (error == EEXIST) {
         return Fail(existing);
     }
+    if (error == EFAULT) { // a null path
+        return Fail(ERROR_PATH_NOT_FOUND);
+    }
     if (error == ENOENT) {
         return Guarded(FALSE, [path] {
             // The path up to its last component; what is empty after that has no folder to miss.

@@ -122,9 +122,8 @@ using namespace Quarn::detail;
 DWORD GetFileAttributesA(char const* path)
 {
     struct ::stat status;
-    if (path == nullptr || ::stat(path, &status) != 0) {
-        errno = path == nullptr ? ENOENT : errno;
-        FailPath(path == nullptr ? "" : path);
+    if (::stat(path, &status) != 0) {
+        FailPath(path);
         return INVALID_FILE_ATTRIBUTES;
     }
     return AttributesOf(status);
@@ -168,13 +167,4 @@ BOOL CreateHardLinkA(char const* name, char const* existing, _SECURITY_ATTRIBUTE
     }
     struct ::stat status;
     return FailPath(errno == ENOENT && ::stat(existing, &status) == 0 ? name : existing);
-}
-
-BOOL CreateDirectoryA(char const* path, _SECURITY_ATTRIBUTES* /*security*/)
-{
-    if (::mkdir(path, 0777) == 0) {
-        return TRUE;
-    }
-    // A folder cannot be the missing file.
-    return errno == ENOENT ? Fail(ERROR_PATH_NOT_FOUND) : FailPath(path);
 }

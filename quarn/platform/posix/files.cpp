@@ -62,7 +62,10 @@ HANDLE OpenFile(char const* path, DWORD access, DWORD disposition, DWORD flags)
     // Emptying a file needs the right to write, whatever the handle allows.
     bool const writes = (access & GENERIC_WRITE) != 0 || disposition == CREATE_ALWAYS;
     // Without blocking: a pipe is opened only to be refused.
-    int const mode = (writes ? (reads ? O_RDWR : O_WRONLY) : O_RDONLY) | O_NONBLOCK | O_NOCTTY;
+    int const mode = (writes  ? (reads ? O_RDWR : O_WRONLY)
+                      : reads ? O_RDONLY
+                              : O_PATH) |
+                     O_NONBLOCK | O_NOCTTY;
     Descriptor descriptor;
     bool created = false;
     if (disposition != CREATE_NEW) {
@@ -79,7 +82,7 @@ HANDLE OpenFile(char const* path, DWORD access, DWORD disposition, DWORD flags)
     if (!created && !CheckKind(descriptor, writes, flags)) {
         return INVALID_HANDLE_VALUE;
     }
-    if (::fcntl(descriptor.Get(), F_SETFL, 0) != 0 ||
+    if (((reads || writes) && ::fcntl(descriptor.Get(), F_SETFL, 0) != 0) ||
         (disposition == CREATE_ALWAYS && !created && ::ftruncate(descriptor.Get(), 0) != 0 &&
          errno != EINVAL)) { // a device has no length
         FailErrno();
@@ -132,7 +135,10 @@ std::uint32_t AttributesOf(struct ::stat const& status)
     if (S_ISDIR(status.st_mode)) {
         return FILE_ATTRIBUTE_DIRECTORY;
     }
-    return IsReadOnly(status) ? FILE_ATTRIBUTE_READONLY : FILE_ATTRIBUTE_NORMAL;
+    if (!S_ISREG(status.st_mode)) {
+        return FILE_ATTRIBUTE_DEVICE;
+    }
+    return FILE_ATTRIBUTE_ARCHIVE | (IsReadOnly(status) ? FILE_ATTRIBUTE_READONLY : 0);
 }
 
 std::size_t WriteAll(int descriptor, void const* data, std::size_t size)

@@ -113,6 +113,10 @@ bool Collect(std::string const& folder, std::string_view pattern, std::vector<st
 
 HANDLE StartSearch(std::string_view path, WIN32_FIND_DATAA& data)
 {
+    if (path.empty()) {
+        Fail(ERROR_PATH_NOT_FOUND);
+        return INVALID_HANDLE_VALUE;
+    }
     std::size_t const slash = path.find_last_of('/');
     std::string folder(path.substr(0, slash + 1));
     std::string_view const pattern = path.substr(folder.size());

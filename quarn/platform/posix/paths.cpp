@@ -25,10 +25,13 @@ std::string CurrentDirectory()
 }
 
 // Takes the last component off an absolute path, unless a symbolic link stands there: then ".." means the
-// parent of what it leads to.
+// parent of what it leads to, and has been kept.
 bool RemoveLast(std::string& path)
 {
     struct ::stat status;
+    if (path.ends_with("/..")) {
+        return false;
+    }
     if (::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode)) {
         return false;
     }
@@ -36,12 +39,9 @@ bool RemoveLast(std::string& path)
     return true;
 }
 
-std::string FullPath(std::string_view path)
+// The path behind an absolute one without a last '/'.
+std::string Append(std::string full, std::string_view path)
 {
-    std::string full = path.front() == '/' ? std::string() : CurrentDirectory();
-    if (full == "/") {
-        full.clear();
-    }
     while (!path.empty()) {
         std::size_t const end = path.find('/');
         std::string_view const part = path.substr(0, end);
@@ -77,11 +77,11 @@ DWORD GetFullPathNameA(char const* path, DWORD size, char* buffer, char** filePa
         return 0;
     }
     return Guarded(DWORD{0}, [&]() -> DWORD {
-        std::string const directory = *path == '/' ? "/" : CurrentDirectory();
-        if (directory.empty()) {
+        std::string base = *path == '/' ? "/" : CurrentDirectory();
+        if (base.empty()) {
             return 0;
         }
-        std::string full = FullPath(path);
+        std::string full = Append(base == "/" ? "" : std::move(base), path);
         if (full.empty() || path[std::strlen(path) - 1] == '/') {
             full += '/';
         }
@@ -91,13 +91,5 @@ DWORD GetFullPathNameA(char const* path, DWORD size, char* buffer, char** filePa
             *filePart = *name != '\0' ? name : nullptr;
         }
         return length;
-    });
-}
-
-DWORD GetCurrentDirectoryA(DWORD size, char* buffer)
-{
-    return Guarded(DWORD{0}, [&]() -> DWORD {
-        std::string const path = CurrentDirectory();
-        return path.empty() ? 0 : PutPath(path, size, buffer);
     });
 }

@@ -239,6 +239,10 @@ HANDLE CreateMutexA(_SECURITY_ATTRIBUTES* /*security*/, BOOL initialOwner, char 
             Fail(ERROR_PATH_NOT_FOUND);
             return nullptr;
         }
+        if (prefix != 0 && wanted.size() == prefix) {
+            Fail(ERROR_INVALID_NAME);
+            return nullptr;
+        }
         bool existed = false;
         HANDLE const handle = wanted.empty() ? OpenMutex(UniqueName(), existed) : OpenMutex(wanted, existed);
         if (handle != nullptr) {

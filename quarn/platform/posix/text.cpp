@@ -90,10 +90,10 @@ std::size_t Encode(char32_t code, char* bytes)
 template<typename Out, typename In, typename Decode>
 int Convert(In const* text, int length, Out* buffer, int size, bool strict, bool& replaced, Decode decode)
 {
-    if (text == nullptr || length == 0 || length < -1 || size < 0 || (buffer == nullptr && size != 0)) {
+    if (text == nullptr || length == 0 || size < 0 || (buffer == nullptr && size != 0)) {
         return Fail(ERROR_INVALID_PARAMETER);
     }
-    // -1: up to and with the terminator.
+    // Negative: up to and with the terminator.
     std::size_t const count =
         length >= 0 ? static_cast<std::size_t>(length) : std::char_traits<In>::length(text) + 1;
     std::size_t const room = static_cast<std::size_t>(size);
@@ -159,7 +159,7 @@ int WideCharToMultiByte(UINT codePage, DWORD flags, WCHAR const* text, int lengt
     }
     bool replaced = false;
     int const result = Convert(text, length, buffer, size, false, replaced, DecodeUtf16);
-    if (usedDefault != nullptr) {
+    if (usedDefault != nullptr && result != 0) {
         *usedDefault = replaced ? TRUE : FALSE;
     }
     return result;
