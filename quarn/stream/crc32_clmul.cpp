@@ -1,7 +1,7 @@
 // CRC-32 by folding with carry-less multiplication, after V. Gopal et al., "Fast CRC Computation for Generic
 // Polynomials Using PCLMULQDQ Instruction" (Intel, 2009).
 //
-// A register of accumulated remainder is moved D bits ahead and added to the data there: the half with the
+// A sum of the data so far is moved D bits ahead and added to the data there: the half with the
 // higher powers times x^(D+32), the other times x^(D-32), both modulo the polynomial P. All values are
 // bit-reflected, so such a constant is the reflected remainder shifted left by one.
 #include "quarn/stream/crc32_update.h"
@@ -10,7 +10,7 @@
 
 #include <immintrin.h>
 
-#define QUARN_CLMUL __attribute__((target("pclmul,sse4.1")))
+#define QUARN_CLMUL __attribute__((target("pclmul,avx")))
 
 namespace Quarn::detail {
 
@@ -88,39 +88,56 @@ QUARN_CLMUL inline std::uint32_t Finish(__m128i sum, unsigned char const* data, 
     return Crc32Sliced(reg, data, n);
 }
 
+// Takes the blocks that `count` sums in step can take, as many as hide the latency of the multiplication, and
+// leaves their one sum. `first` is the first block with the register added; at least `count` blocks are
+// there.
+template<std::size_t count>
+QUARN_CLMUL inline __m128i FoldInStep(__m128i first, unsigned char const*& data, std::size_t& n)
+{
+    constexpr std::size_t stride = 16 * count;
+    __m128i sums[count]; // no std::array: GCC warns that it drops the type's attributes
+    sums[0] = first;
+    for (std::size_t i = 1; i < count; ++i) {
+        sums[i] = Load(data + 16 * i);
+    }
+    __m128i const byStride = Pair(FoldBy(8 * stride));
+    for (data += stride, n -= stride; n >= stride; n -= stride, data += stride) {
+        for (std::size_t i = 0; i < count; ++i) {
+            sums[i] = Fold(sums[i], Load(data + 16 * i), byStride);
+        }
+    }
+    if constexpr (count > 4) {
+        __m128i const by512 = Pair(FoldBy(512));
+        for (std::size_t i = 0; i < 4; ++i) {
+            sums[i] = Fold(sums[i], sums[i + 4], by512);
+        }
+    }
+    __m128i const by256 = Pair(FoldBy(256));
+    return Fold(Fold(sums[0], sums[2], by256), Fold(sums[1], sums[3], by256), Pair(FoldBy(128)));
+}
+
 QUARN_CLMUL std::uint32_t UpdateByFolding(std::uint32_t reg, unsigned char const* data, std::size_t n)
 {
     if (n < 16) {
         return Crc32Sliced(reg, data, n);
     }
-    __m128i a = _mm_xor_si128(Load(data), _mm_cvtsi32_si128(static_cast<int>(reg)));
-    if (n < 64) {
-        return Finish(a, data + 16, n - 16);
+    __m128i const first = _mm_xor_si128(Load(data), _mm_cvtsi32_si128(static_cast<int>(reg)));
+    if (n >= 256) {
+        __m128i const sum = FoldInStep<8>(first, data, n);
+        return Finish(sum, data, n);
     }
-    __m128i b = Load(data + 16);
-    __m128i c = Load(data + 32);
-    __m128i d = Load(data + 48);
-    data += 64;
-    n -= 64;
-    __m128i const by512 = Pair(FoldBy(512));
-    for (; n >= 64; n -= 64, data += 64) {
-        a = Fold(a, Load(data), by512);
-        b = Fold(b, Load(data + 16), by512);
-        c = Fold(c, Load(data + 32), by512);
-        d = Fold(d, Load(data + 48), by512);
+    if (n >= 64) {
+        __m128i const sum = FoldInStep<4>(first, data, n);
+        return Finish(sum, data, n);
     }
-    __m128i const by128 = Pair(FoldBy(128));
-    a = Fold(a, b, by128);
-    a = Fold(a, c, by128);
-    a = Fold(a, d, by128);
-    return Finish(a, data, n);
+    return Finish(first, data + 16, n - 16);
 }
 
 } // namespace
 
 Crc32Function Crc32Folding()
 {
-    bool const available = __builtin_cpu_supports("pclmul") != 0 && __builtin_cpu_supports("sse4.1") != 0;
+    bool const available = __builtin_cpu_supports("pclmul") != 0 && __builtin_cpu_supports("avx") != 0;
     return available ? UpdateByFolding : nullptr;
 }
 
