@@ -25,6 +25,14 @@ std::size_t TextLength(char const* text, std::size_t count)
 
 } // namespace
 
+istream::istream(istream const& other) : m_compressor(other.m_compressor) {}
+
+istream& istream::operator=(istream const& other)
+{
+    m_compressor = other.m_compressor;
+    return *this;
+}
+
 istream::~istream() = default;
 
 void istream::close() {}
@@ -91,8 +99,30 @@ istream& istream::operator>>(char* text)
     return *this;
 }
 
+bool istream::TakeText(std::string& text)
+{
+    constexpr std::size_t prefixSize = 12;
+    if (m_window == nullptr || m_window->Room() < prefixSize) {
+        return false;
+    }
+    unsigned char const* const prefix = m_window->next;
+    auto const length = detail::FromWire<std::uint32_t>(prefix + 4);
+    if (detail::FromWire<std::uint32_t>(prefix) != static_cast<std::uint32_t>(string::NPOS) ||
+        detail::FromWire<std::uint32_t>(prefix + 8) != ~length || m_window->Room() - prefixSize < length ||
+        length == 0 || IsCompressed(length)) {
+        return false;
+    }
+    Take(prefixSize);
+    char const* const body = reinterpret_cast<char const*>(Take(length));
+    text.assign(body, TextLength(body, length));
+    return true;
+}
+
 void istream::GetText(std::string& text)
 {
+    if (TakeText(text)) {
+        return;
+    }
     // Marker and length, or the older format's length and check word.
     unsigned char prefix[8] = {};
     input(prefix, sizeof prefix);

@@ -7,11 +7,13 @@
 
 #include "quarn/export.h"
 #include "quarn/stream/header_block.h"
+#include "quarn/stream/window.h"
 #include "quarn/stream/wire.h"
 #include "quarn/text/string.h"
 #include "quarn/text/string_list.h"
 
 #include <cstdint>
+#include <cstring>
 #include <ios>
 #include <string>
 
@@ -100,22 +102,41 @@ public:
 
 protected:
     istream() = default;
-    // Copies share the compressor.
-    istream(istream const& other) = default;
-    istream& operator=(istream const& other) = default;
+    // Copies share the compressor. A copy has no window.
+    istream(istream const& other);
+    istream& operator=(istream const& other);
+
+    // Lends memory for reading, for as long as this stream lives. Only for a stream whose `input` would bring
+    // the same bytes.
+    void SetWindow(detail::Window* window) { m_window = window; }
 
 private:
+    // The next `n` bytes, or null where they must come through `input`.
+    unsigned char const* Take(std::size_t n)
+    {
+        if (m_window == nullptr || m_window->Room() < n) {
+            return nullptr;
+        }
+        m_window->lastRead = static_cast<std::uint32_t>(n);
+        return m_window->Take(n);
+    }
     template<typename T>
     istream& Get(T& value)
     {
         unsigned char* const bytes = reinterpret_cast<unsigned char*>(&value);
-        input(bytes, sizeof value);
+        if (unsigned char const* const stored = Take(sizeof value)) {
+            std::memcpy(bytes, stored, sizeof value);
+        } else {
+            input(bytes, sizeof value);
+        }
         detail::FixByteOrder(bytes, sizeof value);
         return *this;
     }
     template<typename Stored, typename T>
     istream& GetLow(T& value);
     void GetText(std::string& text);
+    // A string in the current format whose bytes are all in the window; false where that is not the case.
+    bool TakeText(std::string& text);
     // The `n` bytes of a body, read through `input` in pieces where `n` is large.
     std::string GetBody(std::uint32_t n);
     bool IsCompressed(std::uint32_t n) const;
@@ -124,6 +145,7 @@ private:
     void Expand(std::string const& stored, unsigned char* buffer, std::uint32_t n);
 
     StreamCompress* m_compressor = nullptr;
+    detail::Window* m_window = nullptr;
 };
 
 // Reads a list: the count in 32 bits, then that many strings. The list is cleared first and holds what was

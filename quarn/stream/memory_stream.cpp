@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <typeinfo>
 
 namespace Quarn {
 
@@ -25,6 +26,27 @@ void CopyBytes(unsigned char* to, unsigned char const* from, std::uint32_t n)
 
 } // namespace
 
+memorystream::memorystream(memorystream const& other) : istream(other), ostream(other)
+{
+    LendWindow();
+    *this = other;
+}
+
+memorystream& memorystream::operator=(memorystream const& other)
+{
+    istream::operator=(other);
+    ostream::operator=(other);
+    m_position = other.Position();
+    m_buffer = other.m_buffer;
+    m_size = other.m_size;
+    m_window = detail::Window();
+    m_window.lastRead = other.m_window.lastRead;
+    m_failed = other.m_failed;
+    m_owns = other.m_owns;
+    std::memmove(m_inline, other.m_inline, sizeof m_inline);
+    return *this;
+}
+
 memorystream::~memorystream()
 {
     ReleaseMemory();
@@ -39,6 +61,7 @@ void memorystream::Borrow(unsigned char* block, std::streampos size)
 
 void memorystream::Allocate(std::streampos size)
 {
+    CloseWindow();
     std::uint32_t const count =
         size < 0 ? 0 : detail::NarrowCount(static_cast<std::size_t>(std::streamoff{size}));
     m_buffer = count <= InlineSize ? m_inline : new unsigned char[count];
@@ -47,10 +70,27 @@ void memorystream::Allocate(std::streampos size)
 
 void memorystream::ReleaseMemory()
 {
+    CloseWindow();
     if (m_size > InlineSize && m_owns) {
         delete[] m_buffer;
     }
     m_buffer = nullptr;
+}
+
+// A class derived from this one may have an `input` and `output` of its own, which must see every byte.
+void memorystream::OpenWindow()
+{
+    if (m_buffer != nullptr && m_position < m_size && typeid(*this) == typeid(memorystream)) {
+        m_window.next = m_buffer + m_position;
+        m_window.end = m_buffer + m_size;
+    }
+}
+
+void memorystream::CloseWindow()
+{
+    m_position = Position();
+    m_window.next = nullptr;
+    m_window.end = nullptr;
 }
 
 // Of `n` bytes, how many the block has from the position on.
@@ -62,69 +102,58 @@ std::uint32_t memorystream::Available(std::uint32_t n) const
     return static_cast<std::uint32_t>(std::min<std::streamoff>(n, m_size - m_position));
 }
 
-void memorystream::Advance(std::uint32_t n)
+void memorystream::Finish(std::uint32_t count, std::uint32_t wanted)
 {
-    m_position += n;
-    if (m_position == m_size) {
-        m_state |= EndReached;
+    m_position += count;
+    m_failed = m_failed || count != wanted;
+    if (m_failed) {
+        throw StreamException(StreamException::GenericRead);
     }
-}
-
-void memorystream::ThrowFailed()
-{
-    throw StreamException(StreamException::GenericRead);
+    OpenWindow();
 }
 
 istream& memorystream::input(unsigned char* buffer, unsigned long n)
 {
+    CloseWindow();
     std::uint32_t const wanted = detail::NarrowCount(n);
     std::uint32_t const count = Available(wanted);
     if (count != 0) {
         CopyBytes(buffer, m_buffer + m_position, count);
     }
-    Advance(count);
-    m_lastCount = count;
-    if (count != wanted) {
-        m_state |= Failed;
-    }
-    if ((m_state & Failed) != 0) {
-        ThrowFailed();
-    }
+    m_window.lastRead = count;
+    Finish(count, wanted);
     return *this;
 }
 
 ostream& memorystream::output(unsigned char const* data, unsigned long n)
 {
+    CloseWindow();
     std::uint32_t const wanted = detail::NarrowCount(n);
     std::uint32_t const count = Available(wanted);
     if (count != 0) {
         CopyBytes(m_buffer + m_position, data, count);
     }
-    Advance(count);
-    if (count != wanted) {
-        m_state |= Failed;
-    }
-    if ((m_state & Failed) != 0) {
-        ThrowFailed();
-    }
+    Finish(count, wanted);
     return *this;
 }
 
 unsigned int memorystream::readsome(unsigned char* buffer, unsigned long n)
 {
+    CloseWindow();
     std::uint32_t const count = Available(detail::NarrowCount(n));
     if (count != 0) {
         CopyBytes(buffer, m_buffer + m_position, count);
     }
-    Advance(count);
-    m_lastCount = count;
+    m_position += count;
+    m_window.lastRead = count;
     return count;
 }
 
 unsigned int memorystream::peek()
 {
+    CloseWindow();
     if (Available(1) == 0) {
-        m_state |= Failed;
+        m_failed = true;
         return 0;
     }
     return m_buffer[m_position];
@@ -132,6 +161,7 @@ unsigned int memorystream::peek()
 
 istream& memorystream::putback(unsigned char c)
 {
+    CloseWindow();
     if (m_position != 0) {
         --m_position;
         if (Available(1) != 0) {
@@ -166,13 +196,13 @@ ostream& memorystream::seekp(unsigned long offset, unsigned int direction)
         MoveTo(distance);
         break;
     case 1:
-        MoveTo(m_position + distance);
+        MoveTo(Position() + distance);
         break;
     case 2:
         MoveTo(m_size - static_cast<std::uint32_t>(distance + 1));
         break;
     default:
-        MoveTo(m_position);
+        MoveTo(Position());
         break;
     }
     return *this;
@@ -186,13 +216,14 @@ ostream& memorystream::seekp(std::streampos position)
 
 void memorystream::MoveTo(std::streamoff position)
 {
+    CloseWindow();
     m_position = position;
     if (m_size != 0 && position >= m_size) {
         m_position = m_size - 1;
-        m_state |= Failed;
+        m_failed = true;
     } else if (position < 0) {
         m_position = 0;
-        m_state |= Failed;
+        m_failed = true;
     }
 }
 

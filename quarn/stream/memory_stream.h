@@ -30,6 +30,7 @@ public:
     memorystream(unsigned long size, Bool dumpMode) : istream(),
                                                       ostream(dumpMode)
     {
+        LendWindow();
         Allocate(static_cast<std::streamoff>(size));
     }
     // The caller's block, neither copied nor freed; it must outlive its use here. A negative size counts as
@@ -39,6 +40,7 @@ public:
     memorystream(unsigned char* block, std::streampos size, Bool dumpMode) : istream(),
                                                                              ostream(dumpMode)
     {
+        LendWindow();
         Borrow(block, size);
     }
     // No block and size 0: everything is past the end until Allocate().
@@ -46,12 +48,14 @@ public:
     template<std::same_as<bool> Bool>
     explicit memorystream(Bool dumpMode) : istream(),
                                            ostream(dumpMode)
-    {}
+    {
+        LendWindow();
+    }
     // Copies are shallow: the same block (for a block inside the source, that very place), the same position,
     // state, dump mode and compressors. A block on the heap belongs to the source and the copy alike, so only
     // one of the two may be destroyed or released; and an assignment does not free the block held before.
-    memorystream(memorystream const& other) = default;
-    memorystream& operator=(memorystream const& other) = default;
+    memorystream(memorystream const& other);
+    memorystream& operator=(memorystream const& other);
     // As ReleaseMemory.
     ~memorystream() override;
 
@@ -76,7 +80,7 @@ public:
     void SetOutputCompressor(StreamCompress* compressor) { ostream::SetCompressor(compressor); }
 
     // Bytes moved by the last read or readsome.
-    unsigned int gcount() const override { return m_lastCount; }
+    unsigned int gcount() const override { return m_window.lastRead; }
     // 0 to 255; at the end the stream fails and the result is 0.
     unsigned int peek() override;
     // Stops quietly at the end.
@@ -85,8 +89,8 @@ public:
     istream& putback(unsigned char c) override;
     // Does nothing.
     istream& unget() override;
-    std::streampos tellg() override { return m_position; }
-    std::streampos tellp() override { return m_position; }
+    std::streampos tellg() override { return Position(); }
+    std::streampos tellp() override { return Position(); }
     // Direction 0: to `offset`; 1: forward by `offset`; 2: to size - (offset + 1), so an offset of 0 is the
     // last byte; another direction stays where it is. Of the offset the low 32 bits count. A place at or
     // behind the end becomes the last byte, one before the beginning the first, and the stream has failed:
@@ -114,25 +118,31 @@ protected:
     ostream& output(unsigned char const* data, unsigned long n) override;
 
 private:
-    enum State : std::uint32_t
+    void LendWindow()
     {
-        EndReached = 1,
-        Failed = 2,
-    };
-
+        istream::SetWindow(&m_window);
+        ostream::SetWindow(&m_window);
+    }
     void Borrow(unsigned char* block, std::streampos size);
+    std::streamoff Position() const
+    {
+        return m_window.next != nullptr ? m_window.next - m_buffer : m_position;
+    }
+    void OpenWindow();
+    void CloseWindow();
     std::uint32_t Available(std::uint32_t n) const;
-    void Advance(std::uint32_t n);
+    // Behind a transfer of `count` of `wanted` bytes: throws where the stream has failed.
+    void Finish(std::uint32_t count, std::uint32_t wanted);
     void MoveTo(std::streamoff position);
-    [[noreturn]] static void ThrowFailed();
 
     static constexpr std::streamoff InlineSize = 256;
 
     unsigned char* m_buffer = nullptr;
+    // While the window is open its `next` is the position.
     std::streamoff m_position = 0;
     std::streamoff m_size = 0;
-    std::uint32_t m_lastCount = 0;
-    std::uint32_t m_state = 0;
+    detail::Window m_window;
+    bool m_failed = false;
     bool m_owns = true;
     unsigned char m_inline[InlineSize];
 };

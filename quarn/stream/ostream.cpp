@@ -5,6 +5,20 @@
 
 namespace Quarn {
 
+ostream::ostream(ostream const& other)
+    : m_dumpMode(other.m_dumpMode),
+      m_indent(other.m_indent),
+      m_compressor(other.m_compressor)
+{}
+
+ostream& ostream::operator=(ostream const& other)
+{
+    m_dumpMode = other.m_dumpMode;
+    m_indent = other.m_indent;
+    m_compressor = other.m_compressor;
+    return *this;
+}
+
 ostream::~ostream() = default;
 
 void ostream::close() {}
@@ -36,14 +50,22 @@ ostream& ostream::operator<<(string const& text)
 
 ostream& ostream::PutString(std::string_view text)
 {
+    constexpr std::size_t prefixSize = 12;
     std::uint32_t const length = detail::NarrowCount(text.size());
-    if (!m_dumpMode) {
-        unsigned char prefix[12];
-        detail::ToWire(prefix, static_cast<std::uint32_t>(string::NPOS));
-        detail::ToWire(prefix + 4, length);
-        detail::ToWire(prefix + 8, ~length);
-        output(prefix, sizeof prefix);
+    if (m_dumpMode) {
+        return length != 0 ? write(text.data(), length) : *this;
     }
+    unsigned char bytes[prefixSize];
+    unsigned char* const room = m_compressor == nullptr ? Reserve(prefixSize + length) : nullptr;
+    unsigned char* const prefix = room != nullptr ? room : bytes;
+    detail::ToWire(prefix, static_cast<std::uint32_t>(string::NPOS));
+    detail::ToWire(prefix + 4, length);
+    detail::ToWire(prefix + 8, ~length);
+    if (room != nullptr) {
+        std::memcpy(room + prefixSize, text.data(), length);
+        return *this;
+    }
+    output(prefix, prefixSize);
     return length != 0 ? write(text.data(), length) : *this;
 }
 

@@ -7,6 +7,7 @@
 
 #include "quarn/export.h"
 #include "quarn/stream/header_block.h"
+#include "quarn/stream/window.h"
 #include "quarn/stream/wire.h"
 #include "quarn/text/string.h"
 
@@ -97,14 +98,27 @@ protected:
     template<std::same_as<bool> Bool>
     explicit ostream(Bool dumpMode) : m_dumpMode(dumpMode)
     {}
-    // Copies share the compressor.
-    ostream(ostream const& other) = default;
-    ostream& operator=(ostream const& other) = default;
+    // Copies share the compressor. A copy has no window.
+    ostream(ostream const& other);
+    ostream& operator=(ostream const& other);
+
+    // Lends memory for writing, for as long as this stream lives. Only for a stream whose `output` would do
+    // the same with the bytes.
+    void SetWindow(detail::Window* window) { m_window = window; }
 
 private:
+    // Memory for `n` bytes, or null where they must go through `output`.
+    unsigned char* Reserve(std::size_t n)
+    {
+        return m_window != nullptr && m_window->Room() >= n ? m_window->Take(n) : nullptr;
+    }
     template<typename T>
     ostream& Put(T value)
     {
+        if (unsigned char* const room = Reserve(sizeof value)) {
+            detail::ToWire(room, value);
+            return *this;
+        }
         unsigned char bytes[sizeof value];
         detail::ToWire(bytes, value);
         return output(bytes, sizeof bytes);
@@ -114,6 +128,7 @@ private:
     bool m_dumpMode;
     std::int32_t m_indent = 0; // spaces before a dumped line
     StreamCompress* m_compressor = nullptr;
+    detail::Window* m_window = nullptr;
 };
 
 } // namespace Quarn

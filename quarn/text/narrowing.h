@@ -23,7 +23,10 @@ void ReportNarrowing() noexcept;
 // A count or length in memory, narrowed as above.
 inline std::uint32_t NarrowCount(std::size_t count) noexcept
 {
-    return Int64ToUInt32(static_cast<std::int64_t>(count), "", 0);
+    if (count > UINT32_MAX) {
+        return Int64ToUInt32(static_cast<std::int64_t>(count), "", 0);
+    }
+    return static_cast<std::uint32_t>(count);
 }
 
 // A number for a 32-bit field: its low 32 bits, with the same message where they are not the whole of it.
