@@ -1,0 +1,58 @@
+// Bytes in tests: written as hexadecimal text, read from the golden files that both systems share, taken out
+// of streams.
+#pragma once
+
+#include "quarn/stream/memory_stream.h"
+
+#include <cstddef>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+using Bytes = std::vector<unsigned char>;
+
+// "FE FF" as two bytes.
+inline Bytes Hex(std::string const& text)
+{
+    Bytes bytes;
+    for (std::size_t i = 0; i + 1 < text.size(); i += 3) {
+        bytes.push_back(static_cast<unsigned char>(std::stoul(text.substr(i, 2), nullptr, 16)));
+    }
+    return bytes;
+}
+
+inline Bytes FileBytes(std::string const& path)
+{
+    std::ifstream file(path, std::ios_base::binary);
+    if (!file) {
+        throw std::runtime_error("no file " + path);
+    }
+    return Bytes(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+}
+
+inline Bytes Golden(std::string const& name)
+{
+    return FileBytes(std::string(QUARN_TEST_DATA) + "/stream/" + name);
+}
+
+// What has been written to the stream up to its position.
+inline Bytes Written(Quarn::memorystream& stream)
+{
+    unsigned char const* const memory = stream.GetMemory();
+    return Bytes(memory, memory + static_cast<std::ptrdiff_t>(stream.tellp()));
+}
+
+// A memory stream over bytes of its own, to read from.
+class BytesStream : private Bytes, public Quarn::memorystream
+{
+public:
+    explicit BytesStream(Bytes const& bytes)
+        : Bytes(bytes),
+          Quarn::memorystream(Bytes::data(), static_cast<std::streamoff>(bytes.size()))
+    {}
+    explicit BytesStream(std::string const& hex) : BytesStream(Hex(hex)) {}
+    BytesStream(BytesStream const& other) = delete;
+    BytesStream& operator=(BytesStream const& other) = delete;
+};
