@@ -81,6 +81,7 @@ constexpr DWORD ERROR_TOO_MANY_OPEN_FILES = 4;
 constexpr DWORD ERROR_ACCESS_DENIED = 5;
 constexpr DWORD ERROR_INVALID_HANDLE = 6;
 constexpr DWORD ERROR_NOT_ENOUGH_MEMORY = 8;
+constexpr DWORD ERROR_INVALID_DATA = 13;
 constexpr DWORD ERROR_NOT_SAME_DEVICE = 17;
 constexpr DWORD ERROR_NO_MORE_FILES = 18;
 constexpr DWORD ERROR_WRITE_PROTECT = 19;
@@ -92,8 +93,11 @@ constexpr DWORD ERROR_INVALID_PARAMETER = 87;
 constexpr DWORD ERROR_DISK_FULL = 112;
 constexpr DWORD ERROR_INSUFFICIENT_BUFFER = 122;
 constexpr DWORD ERROR_INVALID_NAME = 123;
+constexpr DWORD ERROR_MOD_NOT_FOUND = 126;
 constexpr DWORD ERROR_DIR_NOT_EMPTY = 145;
+constexpr DWORD ERROR_BAD_PATHNAME = 161;
 constexpr DWORD ERROR_ALREADY_EXISTS = 183;
+constexpr DWORD ERROR_BAD_EXE_FORMAT = 193;
 constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
 constexpr DWORD ERROR_FILE_TOO_LARGE = 223;
 constexpr DWORD ERROR_NOT_OWNER = 288;
@@ -102,6 +106,9 @@ constexpr DWORD ERROR_NO_UNICODE_TRANSLATION = 1113;
 constexpr DWORD ERROR_IO_DEVICE = 1117;
 constexpr DWORD ERROR_TOO_MANY_LINKS = 1142;
 constexpr DWORD ERROR_INVALID_SECURITY_DESCR = 1338;
+constexpr DWORD ERROR_RESOURCE_DATA_NOT_FOUND = 1812;
+constexpr DWORD ERROR_RESOURCE_TYPE_NOT_FOUND = 1813;
+constexpr DWORD ERROR_RESOURCE_NAME_NOT_FOUND = 1814;
 constexpr DWORD ERROR_CANT_RESOLVE_FILENAME = 1921;
 
 constexpr HRESULT S_OK = 0;
@@ -280,6 +287,38 @@ QUARN_API void EnterCriticalSection(CRITICAL_SECTION* section);
 QUARN_API void LeaveCriticalSection(CRITICAL_SECTION* section);
 QUARN_API void DeleteCriticalSection(CRITICAL_SECTION* section);
 
+// ---- modules and their resources
+
+using HMODULE = HINSTANCE;
+
+// The executable, for null; no other module is looked up (ERROR_MOD_NOT_FOUND).
+QUARN_API HMODULE GetModuleHandleA(char const* name);
+// The full path of a module's file, of the executable for null. A path that does not fit is cut off, with
+// ERROR_INSUFFICIENT_BUFFER and the result `size`.
+QUARN_API DWORD GetModuleFileNameA(HMODULE module, char* buffer, DWORD size);
+// Loads a module, or counts one reference more. A name without a dot gets ".so". A name without '/' is looked
+// for beside the executable, by the system, in the current directory and along PATH.
+QUARN_API HMODULE LoadLibraryA(char const* path);
+
+// A text that does not fit is cut off behind a whole character. `size` 0, which on Windows hands out the
+// resource itself, does nothing, with the result -1.
+QUARN_API int LoadStringA(HINSTANCE module, UINT id, char* buffer, int size);
+
+// `path` is not looked for anywhere else. 64-bit ELF modules with resources count beside Windows' own files.
+// GetFileVersionInfoA needs the whole size (ERROR_INSUFFICIENT_BUFFER). Of several languages the neutral one
+// is taken, else US English, else the first. What lies deeper than the texts of a string table is not found.
+QUARN_API DWORD GetFileVersionInfoSizeA(char const* path, DWORD* handle);
+QUARN_API BOOL GetFileVersionInfoA(char const* path, DWORD handle, DWORD size, void* block);
+QUARN_API BOOL VerQueryValueA(void const* block, char const* path, void** value, UINT* size);
+
+// ---- user interface
+
+inline char const* const IDC_WAIT = reinterpret_cast<char const*>(std::uintptr_t{32514});
+
+// There are no cursors: null.
+QUARN_API HCURSOR LoadCursorA(HINSTANCE module, char const* name);
+QUARN_API HCURSOR SetCursor(HCURSOR cursor);
+
 // ---- messages
 
 constexpr UINT MB_OK = 0x0;
@@ -289,6 +328,9 @@ constexpr int IDOK = 1;
 // Writes caption and text to standard error; where standard input is a terminal and the process is in its
 // foreground group, waits for a line there. Always IDOK.
 QUARN_API int MessageBoxA(HWND owner, char const* text, char const* caption, UINT type);
+
+// Dropped, unless a debugger is attached or the environment holds QUARN_DEBUG_OUTPUT=1: then standard error.
+QUARN_API void OutputDebugStringA(char const* text);
 
 // NOLINTEND
 

@@ -16,3 +16,13 @@ int MessageBoxA(HWND /*owner*/, char const* text, char const* caption, UINT /*ty
     }
     return IDOK;
 }
+
+HCURSOR LoadCursorA(HINSTANCE /*module*/, char const* /*name*/)
+{
+    return nullptr;
+}
+
+HCURSOR SetCursor(HCURSOR /*cursor*/)
+{
+    return nullptr;
+}
