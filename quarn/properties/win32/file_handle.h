@@ -1,0 +1,45 @@
+// An open file of the platform, closed with its owner.
+#pragma once
+
+#include "quarn/platform/win32_api.h"
+
+#include <string_view>
+
+namespace Quarn::detail {
+
+// Readers and savers never keep each other from a file.
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+class FileHandle
+{
+public:
+    // What ::CreateFileA has returned.
+    explicit FileHandle(HANDLE file) noexcept : m_file(file) {}
+    FileHandle(FileHandle const&) = delete;
+    FileHandle& operator=(FileHandle const&) = delete;
+    ~FileHandle() { Close(); }
+
+    HANDLE Get() const noexcept { return m_file; }
+    bool IsOpen() const noexcept { return m_file != INVALID_HANDLE_VALUE; }
+
+    // False where the system reports a failure; the file is closed in every case.
+    bool Close() noexcept
+    {
+        bool const closed = !IsOpen() || ::CloseHandle(m_file) != FALSE;
+        m_file = INVALID_HANDLE_VALUE;
+        return closed;
+    }
+
+    // Writes at the file's position, ends the file there and flushes it to the device.
+    bool WriteToEnd(std::string_view content) noexcept
+    {
+        DWORD written = 0;
+        return ::WriteFile(m_file, content.data(), static_cast<DWORD>(content.size()), &written, nullptr) &&
+               written == content.size() && ::SetEndOfFile(m_file) && ::FlushFileBuffers(m_file);
+    }
+
+private:
+    HANDLE m_file;
+};
+
+} // namespace Quarn::detail

@@ -1,0 +1,12 @@
+// Who may do what with a file, carried from one to another.
+#pragma once
+
+#include "quarn/text/string.h"
+
+namespace Quarn::detail {
+
+// Gives the file `to` the permissions of `from`, its owner too where this process may. False where `from` has
+// some that cannot be read or set. Throws std::bad_alloc.
+bool CopyPermissions(string const& from, string const& to);
+
+} // namespace Quarn::detail

@@ -1,0 +1,98 @@
+#include "quarn/properties/win32/property_stores.h"
+
+#include "quarn/platform/win32_api.h"
+#include "quarn/properties/win32/settings_document.h"
+
+#include <cstring>
+#include <filesystem>
+
+namespace Quarn::Win32 {
+
+namespace {
+
+// The first data folder that the system has; `folder` has MAX_PATH bytes.
+bool FindDataFolder(char* folder)
+{
+    constexpr int kFolders[] = {CSIDL_COMMON_DOCUMENTS, CSIDL_COMMON_APPDATA, CSIDL_APPDATA,
+                                CSIDL_LOCAL_APPDATA, CSIDL_PERSONAL};
+    for (int const number : kFolders) {
+        if (SUCCEEDED(::SHGetFolderPathA(nullptr, number, nullptr, 0, folder))) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+Quarn::string const QuarnProperties::m_documentType = "Quarn_Properties";
+
+QuarnProperties::QuarnProperties(Quarn::string const& fileName, Quarn::string const& name)
+    : PropertyCollection(name, m_documentType),
+      m_fileName(fileName),
+      m_xmlFilePath(MakeFilePath(fileName))
+{}
+
+QuarnProperties::~QuarnProperties()
+{
+    if (m_autoPersist) {
+        Persist(false);
+    }
+}
+
+bool QuarnProperties::Populate()
+{
+    Clear();
+    if (detail::SettingsFileExists(m_xmlFilePath)) {
+        m_populatedOK = detail::LoadSettings(m_xmlFilePath, *this, m_spoiled);
+        ClearDirty();
+    } else {
+        m_populatedOK = false;
+        m_spoiled = false;
+    }
+    return m_populatedOK;
+}
+
+bool QuarnProperties::Persist(bool force)
+{
+    if (!Dirty() && !force) {
+        return true;
+    }
+    if (!detail::SaveSettings(m_xmlFilePath, *this, m_spoiled)) {
+        return false;
+    }
+    ClearDirty();
+    return true;
+}
+
+void QuarnProperties::Clear()
+{
+    PropertyCollection::Clear();
+    m_xmlFilePath = MakeFilePath(m_fileName);
+}
+
+bool QuarnProperties::GetXMLFolder(char* folder)
+{
+    char found[MAX_PATH];
+    if (folder == nullptr || !FindDataFolder(found)) {
+        return false;
+    }
+    std::size_t length = std::strlen(found);
+    while (length > 1 && found[length - 1] == std::filesystem::path::preferred_separator) {
+        --length;
+    }
+    found[length] = '\0';
+    std::memcpy(folder, found, length + 1);
+    return true;
+}
+
+Quarn::string QuarnProperties::MakeFilePath(Quarn::string const& fileName)
+{
+    char folder[MAX_PATH];
+    if (!FindDataFolder(folder) || ::PathAddBackslashA(folder) == nullptr) {
+        return fileName;
+    }
+    return folder + fileName;
+}
+
+} // namespace Quarn::Win32

@@ -1,0 +1,274 @@
+#include "quarn/properties/win32/settings_reader.h"
+
+#include "quarn/properties/win32/bounded_memory.h"
+#include "quarn/properties/win32/settings_limits.h"
+#include "quarn/properties/win32/settings_steps.h"
+#include "quarn/properties/win32/xml_text.h"
+
+#include <memory>
+#include <string>
+
+#include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/sax2/Attributes.hpp>
+#include <xercesc/sax2/DefaultHandler.hpp>
+#include <xercesc/sax2/SAX2XMLReader.hpp>
+#include <xercesc/sax2/XMLReaderFactory.hpp>
+#include <xercesc/util/OutOfMemoryException.hpp>
+#include <xercesc/util/SecurityManager.hpp>
+#include <xercesc/util/XMLString.hpp>
+#include <xercesc/util/XMLUni.hpp>
+
+namespace Quarn::detail {
+
+namespace {
+
+constexpr XMLCh kKey[] = {'K', 'e', 'y', 0};
+constexpr XMLCh kValue[] = {'V', 'a', 'l', 'u', 'e', 0};
+constexpr XMLCh kName[] = {'N', 'a', 'm', 'e', 0};
+constexpr XMLCh kType[] = {'T', 'y', 'p', 'e', 0};
+constexpr XMLCh kSource[] = {'s', 'e', 't', 't', 'i', 'n', 'g', 's', 0};
+
+// Leaves the parser; the document is refused.
+struct Refusal
+{};
+
+// How many levels a key path makes: the keys' own path syntax, delimiters in a row counting as one.
+std::size_t LevelsOf(std::string_view path)
+{
+    constexpr std::string_view kDelimiters = "\\/;,";
+    std::size_t levels = 0;
+    while (!path.empty()) {
+        ++levels;
+        std::size_t const end = std::min(path.find_first_of(kDelimiters), path.size());
+        path.remove_prefix(std::min(path.find_first_not_of(kDelimiters, end), path.size()));
+    }
+    return levels;
+}
+
+class Handler final : public xercesc::DefaultHandler
+{
+public:
+    explicit Handler(SettingsSteps& steps) : m_steps(steps) {}
+
+    ReadResult Result() const
+    {
+        if (m_depths.empty()) {
+            return ReadResult::NoKey;
+        }
+        return m_stopped || !m_exact ? ReadResult::Partial : ReadResult::Whole;
+    }
+
+    void startElement(XMLCh const*, XMLCh const*, XMLCh const* name,
+                      xercesc::Attributes const& attributes) override
+    {
+        if (++m_depth > kMaxElementDepth) {
+            throw Refusal();
+        }
+        if (m_depth == 1) {
+            m_steps.SetDescription(Convert(name, m_name));
+        } else if (m_place == Place::Root) {
+            EnterRootKey(attributes);
+        } else if (m_place == Place::Key) {
+            EnterChild(name, attributes);
+        }
+    }
+
+    void endElement(XMLCh const*, XMLCh const*, XMLCh const*) override
+    {
+        if (m_place == Place::Value && m_depth == m_resumeDepth) {
+            AppendText();
+            m_steps.SetValue(m_name, m_type, m_text);
+            m_place = Place::Key;
+        } else if (m_place == Place::Ignored && m_depth == m_resumeDepth) {
+            m_place = Place::Key;
+        } else if (m_place == Place::Key) {
+            LeaveKey();
+        }
+        --m_depth;
+    }
+
+    void characters(XMLCh const* text, XMLSize_t count) override
+    {
+        if (m_place == Place::Value) {
+            m_characters.append(text, count);
+        }
+    }
+
+    void startCDATA() override { MeetNodeWithoutName(); }
+    void comment(XMLCh const*, XMLSize_t) override { MeetNodeWithoutName(); }
+    void processingInstruction(XMLCh const*, XMLCh const*) override { MeetNodeWithoutName(); }
+
+    void startDTD(XMLCh const*, XMLCh const*, XMLCh const*) override { throw Refusal(); }
+    void error(xercesc::SAXParseException const&) override { throw Refusal(); }
+    void fatalError(xercesc::SAXParseException const&) override { throw Refusal(); }
+
+private:
+    enum class Place
+    {
+        Root,    // before the root's key, in it or in front of it
+        Key,     // in a key, between its children
+        Value,   // in a value, at any depth
+        Ignored, // in an element that leaves nothing
+        Done,    // behind all that counts; the rest must be well-formed, no more
+    };
+
+    void EnterRootKey(xercesc::Attributes const& attributes)
+    {
+        if (XMLCh const* const name = attributes.getValue(kName)) {
+            m_steps.SetRootName(ConvertName(name));
+            m_levels = 1;
+            m_depths.push_back(0);
+            m_place = Place::Key;
+        } else {
+            m_place = Place::Done;
+        }
+    }
+
+    void EnterChild(XMLCh const* element, xercesc::Attributes const& attributes)
+    {
+        XMLCh const* const name = attributes.getValue(kName);
+        XMLCh const* const type = attributes.getValue(kType);
+        bool const isValue = xercesc::XMLString::equals(element, kValue);
+        if (name == nullptr || (isValue && type == nullptr)) {
+            Stop();
+        } else if (isValue) {
+            ConvertName(name);
+            Convert(type, m_type);
+            m_characters.clear();
+            m_text.clear();
+            Skip(Place::Value);
+        } else if (xercesc::XMLString::equals(element, kKey)) {
+            ConvertName(name);
+            std::size_t const levels = LevelsOf(m_name);
+            if (m_levels + levels > kMaxTreeDepth) {
+                throw Refusal();
+            }
+            m_levels += levels;
+            m_depths.push_back(levels);
+            m_steps.EnterKey(m_name);
+        } else {
+            Skip(Place::Ignored);
+        }
+    }
+
+    void LeaveKey()
+    {
+        m_levels -= m_depths.back();
+        if (m_depths.size() == 1) {
+            m_place = Place::Done;
+        } else {
+            m_depths.pop_back();
+            m_steps.LeaveKey();
+        }
+    }
+
+    // What is no element and no text has no name: it ends the reading of its key, and so of all keys around
+    // it. In a value it is a part of the text or nothing.
+    void MeetNodeWithoutName()
+    {
+        if (m_depth == 0) {
+            throw Refusal();
+        }
+        if (m_place == Place::Key) {
+            Stop();
+        } else if (m_place == Place::Root) {
+            m_place = Place::Done;
+        }
+    }
+
+    void Stop()
+    {
+        m_stopped = true;
+        m_place = Place::Done;
+    }
+
+    // Until the end of the element that has just begun.
+    void Skip(Place place)
+    {
+        m_place = place;
+        m_resumeDepth = m_depth;
+    }
+
+    std::string const& Convert(XMLCh const* characters, std::string& text)
+    {
+        text.clear();
+        m_exact &= AppendFromUtf16(characters, xercesc::XMLString::stringLen(characters), text);
+        return text;
+    }
+
+    std::string const& ConvertName(XMLCh const* name)
+    {
+        if (xercesc::XMLString::stringLen(name) > kMaxNameSize) {
+            throw Refusal();
+        }
+        return Convert(name, m_name);
+    }
+
+    void AppendText() { m_exact &= AppendFromUtf16(m_characters.data(), m_characters.size(), m_text); }
+
+    SettingsSteps& m_steps;
+    Place m_place = Place::Root;
+    std::size_t m_depth = 0;
+    std::size_t m_resumeDepth = 0;
+    std::size_t m_levels = 0;
+    std::vector<std::size_t> m_depths; // the levels that each open key has made; the root's key stays
+    bool m_stopped = false;
+    bool m_exact = true;
+    std::string m_name;
+    std::string m_type;
+    std::basic_string<XMLCh> m_characters;
+    std::string m_text;
+};
+
+void Configure(xercesc::SAX2XMLReader& reader)
+{
+    using xercesc::XMLUni;
+    reader.setFeature(XMLUni::fgSAX2CoreNameSpaces, false);
+    reader.setFeature(XMLUni::fgSAX2CoreNameSpacePrefixes, true);
+    reader.setFeature(XMLUni::fgSAX2CoreValidation, false);
+    reader.setFeature(XMLUni::fgXercesSchema, false);
+    reader.setFeature(XMLUni::fgXercesSchemaFullChecking, false);
+    reader.setFeature(XMLUni::fgXercesLoadExternalDTD, false);
+    reader.setFeature(XMLUni::fgXercesDisableDefaultEntityResolution, true);
+}
+
+bool Parse(std::string_view document, Handler& handler)
+{
+    BoundedMemory memory(kMaxParserMemory);
+    try {
+        xercesc::SecurityManager security;
+        security.setEntityExpansionLimit(1);
+        xercesc::MemBufInputSource source(reinterpret_cast<XMLByte const*>(document.data()), document.size(),
+                                          kSource, false, &memory);
+        source.setCopyBufToStream(false);
+        std::unique_ptr<xercesc::SAX2XMLReader> const reader(
+            xercesc::XMLReaderFactory::createXMLReader(&memory));
+        Configure(*reader);
+        reader->setProperty(xercesc::XMLUni::fgXercesSecurityManager, &security);
+        reader->setContentHandler(&handler);
+        reader->setLexicalHandler(&handler);
+        reader->setErrorHandler(&handler);
+        reader->parse(source);
+        return true;
+    } catch (std::bad_alloc const&) {
+        throw;
+    } catch (...) {
+        // The refusal, or whatever the XML library throws where it cannot go on.
+        return false;
+    }
+}
+
+} // namespace
+
+ReadResult ReadSettings(std::string_view document, PropertyCollection& collection)
+{
+    SettingsSteps steps;
+    Handler handler(steps);
+    if (document.size() > kMaxDocumentSize || !Parse(document, handler)) {
+        return ReadResult::Refused;
+    }
+    steps.Apply(collection);
+    return handler.Result();
+}
+
+} // namespace Quarn::detail
