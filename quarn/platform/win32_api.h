@@ -178,6 +178,7 @@ QUARN_API BOOL DeleteFileA(char const* path);
 QUARN_API BOOL MoveFileExA(char const* from, char const* to, DWORD flags);
 QUARN_API BOOL CopyFileA(char const* from, char const* to, BOOL failIfExists);
 QUARN_API BOOL CreateHardLinkA(char const* name, char const* existing, _SECURITY_ATTRIBUTES* security);
+QUARN_API BOOL CreateDirectoryA(char const* path, _SECURITY_ATTRIBUTES* security);
 
 struct WIN32_FIND_DATAA
 {

@@ -19,4 +19,9 @@ inline char LowerAscii(char c)
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
 }
 
+inline bool IsLetter(char c)
+{
+    return LowerAscii(c) >= 'a' && LowerAscii(c) <= 'z';
+}
+
 } // namespace Quarn::detail

@@ -168,3 +168,12 @@ BOOL CreateHardLinkA(char const* name, char const* existing, _SECURITY_ATTRIBUTE
     struct ::stat status;
     return FailPath(errno == ENOENT && ::stat(existing, &status) == 0 ? name : existing);
 }
+
+BOOL CreateDirectoryA(char const* path, _SECURITY_ATTRIBUTES* /*security*/)
+{
+    if (path != nullptr && ::mkdir(path, 0777) == 0) {
+        return TRUE;
+    }
+    // A folder cannot be the missing file.
+    return path == nullptr || errno == ENOENT ? Fail(ERROR_PATH_NOT_FOUND) : FailPath(path);
+}
