@@ -285,10 +285,7 @@ int string::FormatVar(char const* format, std::va_list args)
     // the text tells its own length first.
     constexpr std::size_t largestTrusted = 16384;
 
-    std::va_list measured;
-    va_copy(measured, args);
-    std::uint64_t const estimate = EstimateVarLength(format, measured);
-    va_end(measured);
+    std::uint64_t const estimate = EstimateVarLength(format, args);
 
     char stack[stackSize];
     std::unique_ptr<char[]> heap;
