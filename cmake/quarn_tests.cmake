@@ -1,9 +1,11 @@
 # How tests are declared; tests/CMakeLists.txt says which there are.
-include(googletest)
-
 set(quarn_test_properties TIMEOUT 120)
-if(CMAKE_CROSSCOMPILING)
+if(WIN32 AND CMAKE_CROSSCOMPILING)
+  include(wine)
   list(APPEND quarn_test_properties FIXTURES_REQUIRED wine)
+endif()
+if(QUARN_BUILD_TESTS)
+  include(googletest)
 endif()
 
 function(quarn_discover_tests name)
