@@ -5,7 +5,7 @@
 #include "tests/stream/fake_streams.h"
 #include "tests/stream/run_length_compressor.h"
 #include "tests/stream/throws.h"
-#include "tests/stream/zlib_compressor.h"
+#include "examples/zlib_compressor.h"
 
 #include <numeric>
 #include <random>

@@ -1,0 +1,164 @@
+// A small station: opens its settings, takes readings of the machine, appends them to its journal as a
+// record, reads the journal back, notes the run in its settings.
+//
+//   station                    settings in the machine's settings folder
+//   station --settings FILE    settings in FILE
+//   station --show FILE        prints the tree of any settings file
+//
+// The journal lies beside the settings.
+#include "quarn/properties/property_collection.h"
+#include "quarn/properties/win32/property_stores.h"
+#include "quarn/properties/win32/xml_persist.h"
+#include "quarn/stream/header_block.h"
+#include "quarn/stream/memory_stream.h"
+#include "quarn/stream/stream_exception.h"
+
+#include "journal.h"
+#include "readings.h"
+#include "show.h"
+
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr double gigabyte = 1e9;
+
+// Reads a record of the given kind and version, which this program does not know, and says what the library
+// says.
+void ShowRefusal(unsigned int id, unsigned int version)
+{
+    Quarn::memorystream stream(sizeof(Quarn::Stream::HeaderBlock));
+    Quarn::Stream::HeaderBlock header;
+    header.id = id;
+    header.version = version;
+    stream << header;
+    stream.seekg(0, 0);
+    try {
+        station::Record record;
+        stream >> record;
+    } catch (Quarn::StreamException const& refusal) {
+        std::printf("refused    %s\n", refusal.GetString());
+    }
+}
+
+void ShowJournal(std::string const& path)
+{
+    std::string first;
+    std::string last;
+    station::JournalSummary const summary = station::ReadJournal(
+        path, [&](station::Record const& record) { (first.empty() ? first : last) = record.time; });
+    std::printf("journal    %u record%s, %llu bytes, every checksum right; the first of %s UTC\n",
+                summary.records, summary.records == 1 ? "" : "s",
+                static_cast<unsigned long long>(summary.goodBytes), first.c_str());
+}
+
+// One run over settings that are loaded. `path` is the settings' file.
+void Run(Quarn::PropertyCollection& settings, std::string const& path)
+{
+    station::Record record;
+    record.name = settings.GetValueString("Identity:Name", "Station 1");
+    long const limit = settings.GetValueInt32("Limits:FreeDiskPercent", 10);
+    record.run = static_cast<std::uint32_t>(settings.GetValueInt32("Runs:Count", 0)) + 1;
+    Quarn::string const lastRun = settings.GetValueString("Runs:Last", "");
+
+    std::printf("%s, run %u, settings in %s\n", record.name.c_str(), record.run, path.c_str());
+    if (!lastRun.empty()) {
+        std::printf("           the last run was at %s UTC\n", lastRun.c_str());
+    }
+
+    station::TakeReadings(record);
+    if (record.freePercent < static_cast<float>(limit)) {
+        record.remarks.push_back("free disk space is below its limit");
+    }
+    std::printf("disk       %.1f GB free of %.1f GB, %.0f %% (limit %ld %%)\n", record.freeBytes / gigabyte,
+                record.totalBytes / gigabyte, static_cast<double>(record.freePercent), limit);
+    std::printf("machine    %u processors, up for %u h %02u min\n", static_cast<unsigned>(record.processors),
+                record.upSeconds / 3600, record.upSeconds / 60 % 60);
+    for (Quarn::string const& remark : record.remarks) {
+        std::printf("remark     %s\n", remark.c_str());
+    }
+
+    std::string const journal = std::filesystem::path(path).replace_extension(".journal").string();
+    std::string const aside = station::SetAside(journal, station::ReadJournal(journal, [](auto const&) {}));
+    if (!aside.empty()) {
+        std::printf("journal    was damaged; it is kept as %s\n", aside.c_str());
+    }
+    station::Measure const measure = station::Append(journal, record);
+    std::printf("record     %u bytes, CRC-32 0x%08X, appended to %s\n", measure.size, measure.crc,
+                journal.c_str());
+    ShowJournal(journal);
+    ShowRefusal(0x4C4F4731, 1);
+    ShowRefusal(station::recordId, station::recordVersion + 1);
+
+    Quarn::string spec;
+    settings.SetValueString("Identity:Name=" + record.name, true);
+    spec.Format("Limits:FreeDiskPercent=%ld", limit);
+    settings.SetValueInt32(spec, true);
+    spec.Format("Runs:Count=%u", record.run);
+    settings.SetValueInt32(spec, true);
+    settings.SetValueString("Runs:Last=" + record.time, true);
+}
+
+int Report(bool saved)
+{
+    std::printf("settings   %s\n", saved ? "saved" : "could not be saved");
+    return saved ? 0 : 1;
+}
+
+int RunWithFile(std::string const& path)
+{
+    Quarn::PropertyCollection settings("Station", "Quarn_Properties");
+    Quarn::Win32::XMLPropPersist const file(path);
+    if (file.Exists() && !file.Populate(&settings)) {
+        std::printf("The settings in %s cannot be read; they are kept under a second name.\n", path.c_str());
+    }
+    settings.ClearDirty();
+    Run(settings, path);
+    return Report(file.Persist(&settings));
+}
+
+int RunWithStore()
+{
+    Quarn::Win32::QuarnProperties settings("Station.xml", "Station");
+    settings.Populate();
+    Run(settings, settings.GetXMLFilePath());
+    return Report(settings.Persist(false));
+}
+
+int ShowFile(std::string const& path)
+{
+    Quarn::PropertyCollection settings;
+    if (!Quarn::Win32::XMLPropPersist(path).Populate(&settings)) {
+        std::fprintf(stderr, "station: %s is not a settings file that can be read\n", path.c_str());
+        return 1;
+    }
+    station::Show(settings);
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    std::vector<std::string> const arguments(argv + 1, argv + argc);
+    try {
+        if (arguments.empty()) {
+            return RunWithStore();
+        }
+        if (arguments.size() == 2 && arguments[0] == "--settings") {
+            return RunWithFile(arguments[1]);
+        }
+        if (arguments.size() == 2 && arguments[0] == "--show") {
+            return ShowFile(arguments[1]);
+        }
+    } catch (std::exception const& failure) {
+        std::fprintf(stderr, "station: %s\n", failure.what());
+        return 1;
+    }
+    std::fprintf(stderr, "usage: station [--settings FILE | --show FILE]\n");
+    return 2;
+}
