@@ -2,6 +2,7 @@
 
 #include "quarn/properties/named_list.h"
 
+#include <array>
 #include <utility>
 #include <vector>
 
@@ -9,9 +10,17 @@ namespace Quarn {
 
 namespace {
 
+constexpr auto delimiters = [] {
+    std::array<bool, 256> table{};
+    for (unsigned char const c : {'\\', '/', ';', ','}) {
+        table[c] = true;
+    }
+    return table;
+}();
+
 bool IsDelimiter(char c)
 {
-    return c == '\\' || c == '/' || c == ';' || c == ',';
+    return delimiters[static_cast<unsigned char>(c)];
 }
 
 // Takes the first name of a path, which is not empty, and the delimiters behind it.

@@ -20,12 +20,27 @@ using Word = std::uint64_t;
 constexpr Word ones = 0x0101010101010101;
 constexpr Word highBits = 0x80 * ones;
 
-// Up to eight bytes of a name; the missing ones are 0.
+template<typename T>
+Word Load(char const* bytes)
+{
+    T value;
+    ::memcpy(&value, bytes, sizeof value);
+    return value;
+}
+
+// The first eight bytes of a name, of which there is at least one; the missing ones are 0. Short names are
+// put together from pieces that may overlap.
 Word LoadWord(char const* bytes, std::size_t count)
 {
-    Word word = 0;
-    ::memcpy(&word, bytes, std::min(count, sizeof word));
-    return word;
+    if (count >= 8) {
+        return Load<std::uint64_t>(bytes);
+    }
+    if (count >= 4) {
+        return Load<std::uint32_t>(bytes) | Load<std::uint32_t>(bytes + count - 4) << (8 * (count - 4));
+    }
+    std::size_t const middle = count / 2;
+    return Load<std::uint8_t>(bytes) | Load<std::uint8_t>(bytes + middle) << (8 * middle) |
+           Load<std::uint8_t>(bytes + count - 1) << (8 * (count - 1));
 }
 
 // LowerAscii on each byte of a word without high bits: an upper-case letter gets its bit 0x20.
@@ -123,9 +138,11 @@ Word HashSeed()
 
 bool EqualNames(std::string_view a, std::string_view b) noexcept
 {
+    if (a == b) {
+        return true;
+    }
     Comparison const comparison = CompareAscii(a, b);
-    return comparison == Comparison::Undecided ? a == b || EqualFolded(a, b)
-                                               : comparison == Comparison::Equal;
+    return comparison == Comparison::Undecided ? EqualFolded(a, b) : comparison == Comparison::Equal;
 }
 
 NameHash HashName(std::string_view name) noexcept
