@@ -241,6 +241,11 @@ bool Presence::Open(std::string const& path, bool& existed)
     }
 }
 
+Presence::operator bool() const
+{
+    return m_file && IsNamed(m_file);
+}
+
 Presence::~Presence()
 {
     // The name is this file's while the file has one: only a holder of both bytes takes names away.

@@ -1,7 +1,8 @@
 // (private) Lock files: locks between processes that a dead process cannot hold. A name's file exists while a
 // process has its Presence; whoever holds the lock has locked the file's first byte through an open file
 // description of its own, so that threads of one process exclude each other too. The second byte is locked,
-// shared, by every Presence. Any thread may use these.
+// shared, by every Presence. A process that dies leaves its files; the next user of a name takes them over.
+// Any thread may use these.
 #pragma once
 
 #include "quarn/platform/win32_api.h"
@@ -51,7 +52,9 @@ public:
     // The last one removes the file.
     ~Presence();
 
-    explicit operator bool() const { return static_cast<bool>(m_file); }
+    // False also in a child forked since, and when somebody has removed the file: then it can be opened
+    // again.
+    explicit operator bool() const;
 
 private:
     std::string m_path;

@@ -2,8 +2,6 @@
 #include "quarn/platform/posix/handles.h"
 #include "quarn/platform/posix/lock_file.h"
 
-#include <atomic>
-#include <cstring>
 #include <map>
 #include <mutex>
 #include <string_view>
@@ -100,7 +98,7 @@ DWORD Mutex::Wait(DWORD milliseconds)
             return WAIT_OBJECT_0;
         }
         bool existed = false;
-        if (!m_presence && !m_presence.Open(m_path, existed)) { // a forked child's first wait
+        if (!m_presence && !m_presence.Open(m_path, existed)) {
             FailErrno();
             return WAIT_FAILED;
         }
@@ -198,13 +196,6 @@ HANDLE OpenMutex(std::string_view name, bool& existed)
     return AddHandle(found);
 }
 
-// A name for a mutex that has none.
-std::string UniqueName()
-{
-    static std::atomic<unsigned> count = 0;
-    return "unnamed-" + std::to_string(::GetCurrentProcessId()) + '-' + std::to_string(++count);
-}
-
 // The storage of a critical section as what it holds.
 pthread_mutex_t* Native(CRITICAL_SECTION* section)
 {
@@ -226,6 +217,10 @@ HANDLE CreateMutexA(_SECURITY_ATTRIBUTES* /*security*/, BOOL initialOwner, char 
     HANDLE const failure = nullptr;
     return Guarded(failure, [&]() -> HANDLE {
         std::string_view wanted = name != nullptr ? name : "";
+        if (wanted.empty()) {
+            Fail(ERROR_NOT_SUPPORTED);
+            return nullptr;
+        }
         if (wanted.size() > MAX_PATH) {
             Fail(ERROR_FILENAME_EXCED_RANGE);
             return nullptr;
@@ -239,12 +234,12 @@ HANDLE CreateMutexA(_SECURITY_ATTRIBUTES* /*security*/, BOOL initialOwner, char 
             Fail(ERROR_PATH_NOT_FOUND);
             return nullptr;
         }
-        if (prefix != 0 && wanted.size() == prefix) {
+        if (wanted.size() == prefix) {
             Fail(ERROR_INVALID_NAME);
             return nullptr;
         }
         bool existed = false;
-        HANDLE const handle = wanted.empty() ? OpenMutex(UniqueName(), existed) : OpenMutex(wanted, existed);
+        HANDLE const handle = OpenMutex(wanted, existed);
         if (handle != nullptr) {
             if (initialOwner != FALSE && !existed) {
                 ::WaitForSingleObject(handle, INFINITE);

@@ -1,0 +1,74 @@
+#include "platform/child_process.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <string_view>
+
+namespace {
+
+// Takes the mutex, makes the file "held" and keeps the mutex until the file "go" exists.
+int Hold(char const* name, std::string const& folder)
+{
+    HANDLE const mutex = ::CreateMutexA(nullptr, FALSE, name);
+    if (::WaitForSingleObject(mutex, INFINITE) != WAIT_OBJECT_0) {
+        return 1;
+    }
+    std::ofstream(folder + "/held") << "x";
+    bool const isTold = WaitForFile(folder + "/go");
+    ::ReleaseMutex(mutex);
+    ::CloseHandle(mutex);
+    return isTold ? 0 : 2;
+}
+
+// Adds 1 to the number in the file, so many times.
+int Count(char const* name, std::string const& path, int times)
+{
+    for (int i = 0; i < times; ++i) {
+        HANDLE const mutex = ::CreateMutexA(nullptr, FALSE, name);
+        if (::WaitForSingleObject(mutex, i % 2 == 0 ? INFINITE : 60'000) != WAIT_OBJECT_0) {
+            return 1;
+        }
+        int number = 0;
+        std::ifstream(path) >> number;
+        std::ofstream(path) << number + 1;
+        ::ReleaseMutex(mutex);
+        ::CloseHandle(mutex);
+    }
+    return 0;
+}
+
+// 1 when another process has a mutex of the name.
+int Exists(char const* name)
+{
+    ::SetLastError(ERROR_SUCCESS);
+    HANDLE const mutex = ::CreateMutexA(nullptr, FALSE, name);
+    int const result = ::GetLastError() == ERROR_ALREADY_EXISTS ? 1 : 0;
+    return ::CloseHandle(mutex) ? result : 2;
+}
+
+// 1 when the shell's folder is the one given, 0 when it is another or none.
+int IsFolder(int number, std::string_view path)
+{
+    char folder[MAX_PATH];
+    return SUCCEEDED(::SHGetFolderPathA(nullptr, number, nullptr, 0, folder)) && folder == path ? 1 : 0;
+}
+
+} // namespace
+
+int RunChildCommand(int count, char** arguments)
+{
+    std::string_view const command = count > 2 ? arguments[1] : "";
+    if (command == "hold" && count == 4) {
+        return Hold(arguments[2], arguments[3]);
+    }
+    if (command == "count" && count == 5) {
+        return Count(arguments[2], arguments[3], std::atoi(arguments[4]));
+    }
+    if (command == "exists" && count == 3) {
+        return Exists(arguments[2]);
+    }
+    if (command == "folder" && count == 4) {
+        return IsFolder(std::atoi(arguments[2]), arguments[3]);
+    }
+    return -1;
+}
