@@ -168,33 +168,6 @@ TEST(SeamFile, AHandleAllowsOnlyWhatItWasOpenedFor)
     EXPECT_EQ(ContentOf(path), "old");
 }
 
-TEST(SeamFile, ReadOnlyFilesAreNotOpenedForWriting)
-{
-    ScratchFolder const folder;
-    std::string const path = folder.Make("a", "old");
-    MakeReadOnly(path);
-    EXPECT_EQ(OpenError(path, GENERIC_WRITE, OPEN_EXISTING), ERROR_ACCESS_DENIED);
-    EXPECT_EQ(OpenError(path, GENERIC_WRITE, CREATE_ALWAYS), ERROR_ACCESS_DENIED);
-    HANDLE const file = Open(path, GENERIC_READ, OPEN_EXISTING);
-    EXPECT_NE(file, INVALID_HANDLE_VALUE);
-    ::CloseHandle(file);
-    EXPECT_EQ(ContentOf(path), "old");
-}
-
-TEST(SeamFile, AnOpenFileCanBeReplacedAndReadToItsEnd)
-{
-    ScratchFolder const folder;
-    std::string const path = folder.Make("a", "old");
-    HANDLE const reader = Open(path, GENERIC_READ, OPEN_EXISTING);
-    ASSERT_TRUE(::MoveFileExA(folder.Make("b", "new").c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING));
-    char data[10];
-    DWORD count = 0;
-    EXPECT_TRUE(::ReadFile(reader, data, sizeof data, &count, nullptr));
-    EXPECT_EQ(std::string(data, count), "old");
-    ::CloseHandle(reader);
-    EXPECT_EQ(ContentOf(path), "new");
-}
-
 TEST(SeamHandle, ClosedAndForeignHandlesAreRefused)
 {
     ScratchFolder const folder;

@@ -112,7 +112,7 @@ TEST(SeamFind, FilesMayBeDeletedWhileTheyAreFound)
 {
     ScratchFolder const folder;
     for (int i = 0; i < 300; ++i) {
-        folder.Make("f" + std::to_string(i) + ".x", "");
+        folder.Make(std::to_string(i) + ".x", "");
     }
     WIN32_FIND_DATAA data;
     HANDLE const search = ::FindFirstFileA((folder / "*.x").c_str(), &data);

@@ -40,7 +40,7 @@ TEST(SeamPath, FullPathsAreAbsoluteAndShort)
         char const* expected; // behind the current directory
     } const cases[] = {
         {"a", "/a"},         {"a/b", "/a/b"}, {"./a/../b", "/b"}, {"a//b", "/a/b"},  {"a/", "/a/"},
-        {"a/./b/.", "/a/b"}, {".", ""},       {"a/..", ""},       {"a/b/../..", ""}, {"..a/b..", "/..a/b.."},
+        {"a/./b/.", "/a/b"}, {".", ""},       {"a/..", ""},       {"a/b/../..", ""}, {"..a/..b", "/..a/..b"},
     };
     for (auto const& test : cases) {
         EXPECT_EQ(FullPath(test.path), CurrentDirectory() + Native(test.expected)) << test.path;
@@ -103,19 +103,6 @@ TEST(SeamPath, FinalPathsOfFilesAndFolders)
     std::string const inner = folder.MakeFolder("f");
     EXPECT_EQ(FinalPath(inner + "/../a"), FullPath(file));
     EXPECT_EQ(FinalPath(inner), FullPath(inner));
-}
-
-TEST(SeamPath, FinalPathsFollowTheFileWhenItMoves)
-{
-    ScratchFolder const folder;
-    std::string const path = folder.Make("a");
-    std::string const moved = folder / "b";
-    HANDLE const file = OpenForItsPath(path);
-    ASSERT_TRUE(::MoveFileExA(path.c_str(), moved.c_str(), 0));
-    char buffer[1000] = "";
-    EXPECT_NE(::GetFinalPathNameByHandleA(file, buffer, sizeof buffer, 0), 0U);
-    EXPECT_TRUE(std::string(buffer).ends_with(FullPath(moved))) << buffer;
-    ::CloseHandle(file);
 }
 
 TEST(SeamPath, FinalPathsNegotiateTheirBuffer)

@@ -4,6 +4,7 @@
 #include "quarn/platform/win32_api.h"
 #include "quarn/platform/win32_types.h"
 
+#include <atomic>
 #include <thread>
 #include <type_traits>
 
@@ -21,14 +22,23 @@ static_assert(std::is_same_v<HINSTANCE, HINSTANCE__*> && std::is_same_v<HCURSOR,
 
 TEST(SeamError, EachThreadHasItsOwnCode)
 {
-    ::SetLastError(12345);
-    DWORD other = 1;
-    std::thread([&] {
-        other = ::GetLastError();
+    std::atomic<int> step = 0;
+    DWORD before = 0;
+    std::thread other([&] {
+        while (step != 1) {
+        }
+        before = ::GetLastError();
         ::SetLastError(999);
-    }).join();
-    EXPECT_NE(other, 12345U);
-    EXPECT_EQ(::GetLastError(), 12345U);
+        step = 2;
+    });
+    ::SetLastError(12345);
+    step = 1;
+    while (step != 2) {
+    }
+    DWORD const after = ::GetLastError();
+    other.join();
+    EXPECT_NE(before, 12345U);
+    EXPECT_EQ(after, 12345U);
     ::SetLastError(0xFFFFFFFF);
     EXPECT_EQ(::GetLastError(), 0xFFFFFFFFU);
 }

@@ -30,6 +30,20 @@ TEST(PosixGap, SharingIsNotEnforced)
     ::CloseHandle(second);
 }
 
+TEST(PosixGap, AnOpenFileCanBeReplacedAndReadToItsEnd)
+{
+    ScratchFolder const folder;
+    std::string const path = folder.Make("a", "old");
+    HANDLE const reader = Open(path, GENERIC_READ, OPEN_EXISTING);
+    ASSERT_TRUE(::MoveFileExA(folder.Make("b", "new").c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING));
+    char data[10];
+    DWORD count = 0;
+    EXPECT_TRUE(::ReadFile(reader, data, sizeof data, &count, nullptr));
+    EXPECT_EQ(std::string(data, count), "old");
+    ::CloseHandle(reader);
+    EXPECT_EQ(ContentOf(path), "new");
+}
+
 TEST(PosixGap, PathsMayBeLongerThanMaxPath)
 {
     ScratchFolder const folder;
@@ -146,6 +160,43 @@ TEST(PosixGap, TwoNamesOfOneFileAreNotMovedOverEachOther)
     EXPECT_TRUE(::MoveFileExA(a.c_str(), b.c_str(), MOVEFILE_REPLACE_EXISTING));
     EXPECT_EQ(ContentOf(a), "1");
     EXPECT_EQ(ContentOf(b), "1");
+}
+
+// As on Windows, but Wine lets the superuser write.
+TEST(PosixReadOnly, FilesThatNobodyMayWriteToAreReadOnlyForTheSuperuserToo)
+{
+    ScratchFolder const folder;
+    std::string const path = folder.Make("a", "old");
+    std::string const other = folder.Make("b", "new");
+    MakeReadOnly(path);
+    for (DWORD const disposition : {OPEN_EXISTING, CREATE_ALWAYS}) {
+        EXPECT_EQ(ErrorOf([&] { EXPECT_EQ(Open(path, GENERIC_WRITE, disposition), INVALID_HANDLE_VALUE); }),
+                  ERROR_ACCESS_DENIED);
+    }
+    EXPECT_EQ(ErrorOf([&] { EXPECT_FALSE(::CopyFileA(other.c_str(), path.c_str(), FALSE)); }),
+              ERROR_ACCESS_DENIED);
+    EXPECT_EQ(
+        ErrorOf([&] { EXPECT_FALSE(::MoveFileExA(other.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING)); }),
+        ERROR_ACCESS_DENIED);
+    HANDLE const file = Open(path, GENERIC_READ, OPEN_EXISTING);
+    EXPECT_NE(file, INVALID_HANDLE_VALUE);
+    ::CloseHandle(file);
+    EXPECT_EQ(ContentOf(path), "old");
+    EXPECT_EQ(ContentOf(other), "new");
+    EXPECT_TRUE(::MoveFileExA(path.c_str(), (folder / "c").c_str(), 0)) << "its name may change";
+}
+
+// As on Windows, but Wine keeps the path of the opening.
+TEST(PosixPath, FinalPathsFollowTheFileWhenItMoves)
+{
+    ScratchFolder const folder;
+    std::string const path = folder.Make("a");
+    HANDLE const file = Open(path, 0, OPEN_EXISTING);
+    ASSERT_TRUE(::MoveFileExA(path.c_str(), (folder / "b").c_str(), 0));
+    char buffer[1000] = "";
+    EXPECT_NE(::GetFinalPathNameByHandleA(file, buffer, sizeof buffer, 0), 0U);
+    EXPECT_EQ(buffer, fs::canonical(folder / "b").string());
+    ::CloseHandle(file);
 }
 
 TEST(PosixLink, AttributesAndOpeningFollowIt)
