@@ -271,8 +271,8 @@ constexpr DWORD WAIT_ABANDONED = 0x80;
 constexpr DWORD WAIT_TIMEOUT = 0x102;
 constexpr DWORD WAIT_FAILED = 0xFFFFFFFF;
 
-// Every mutex needs a name (ERROR_NOT_SUPPORTED), and is shared by all users of the machine. A forked child has the handles but owns nothing. The
-// last handle of a process does not give up what a thread of it owns.
+// Every mutex needs a name (ERROR_NOT_SUPPORTED), and is shared by all users of the machine. A forked child
+// has the handles but owns nothing. The last handle of a process does not give up what a thread of it owns.
 QUARN_API HANDLE CreateMutexA(_SECURITY_ATTRIBUTES* security, BOOL initialOwner, char const* name);
 QUARN_API BOOL ReleaseMutex(HANDLE mutex);
 // Mutexes alone can be waited for.

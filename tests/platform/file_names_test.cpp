@@ -215,4 +215,22 @@ TEST(SeamFileName, HardLinksThatCannotBeMade)
     EXPECT_EQ(ContentOf(b), "kept");
 }
 
+TEST(SeamFileName, CreateDirectoryMakesOneLevel)
+{
+    ScratchFolder const folder;
+    std::string const file = folder.Make("file");
+    std::string const f = folder / "f";
+    auto const error = [](char const* path) {
+        return ErrorOf([&] { EXPECT_FALSE(::CreateDirectoryA(path, nullptr)); });
+    };
+    EXPECT_TRUE(::CreateDirectoryA(f.c_str(), nullptr));
+    EXPECT_EQ(::GetFileAttributesA(f.c_str()), FILE_ATTRIBUTE_DIRECTORY);
+    EXPECT_EQ(error(f.c_str()), ERROR_ALREADY_EXISTS);
+    EXPECT_EQ(error(file.c_str()), ERROR_ALREADY_EXISTS);
+    EXPECT_EQ(error((folder / "none/f").c_str()), ERROR_PATH_NOT_FOUND);
+    EXPECT_EQ(error((file + "/f").c_str()), ERROR_PATH_NOT_FOUND);
+    EXPECT_EQ(error(""), ERROR_PATH_NOT_FOUND);
+    EXPECT_EQ(error(nullptr), ERROR_PATH_NOT_FOUND);
+}
+
 } // namespace
