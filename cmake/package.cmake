@@ -9,6 +9,9 @@ install(TARGETS QuarnUtil EXPORT QuarnUtilTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
   FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+# The language modules lie beside the library.
+install(TARGETS QuarnUtilDEU
+  LIBRARY DESTINATION $<IF:$<BOOL:${WIN32}>,${CMAKE_INSTALL_BINDIR},${CMAKE_INSTALL_LIBDIR}>)
 install(EXPORT QuarnUtilTargets NAMESPACE QuarnUtil:: DESTINATION ${package_folder})
 
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/QuarnUtilConfig.cmake.in

@@ -1,0 +1,47 @@
+// The reader of settings files. What it reads whole must be written, read again and written alike.
+#include "quarn/properties/property_collection.h"
+#include "quarn/properties/win32/settings_reader.h"
+#include "quarn/properties/win32/settings_writer.h"
+#include "quarn/properties/win32/xml_library.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+namespace {
+
+void Require(bool holds, char const* what)
+{
+    if (!holds) {
+        std::fprintf(stderr, "%s\n", what);
+        std::abort();
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
+{
+    using Quarn::detail::ReadResult;
+    static Quarn::detail::XmlLibraryUse const library;
+    Require(library.Started(), "the XML library does not start");
+
+    std::string_view const document(reinterpret_cast<char const*>(data), size);
+    Quarn::PropertyCollection tree("Fuzz", "Quarn_Properties");
+    ReadResult const result = Quarn::detail::ReadSettings(document, tree);
+    std::string first;
+    if (result == ReadResult::Refused || !Quarn::detail::WriteSettings(tree, first)) {
+        return 0;
+    }
+
+    Quarn::PropertyCollection again("Fuzz", "Quarn_Properties");
+    ReadResult const reread = Quarn::detail::ReadSettings(first, again);
+    Require(reread == ReadResult::Whole || reread == ReadResult::NoKey, "what was written is not read whole");
+    std::string second;
+    Require(Quarn::detail::WriteSettings(again, second), "what was read is not written again");
+    Require(first == second, "a second save differs from the first");
+    return 0;
+}
