@@ -5,14 +5,15 @@
 #include "quarn/properties/win32/settings_steps.h"
 #include "quarn/properties/win32/xml_text.h"
 
-#include <memory>
+#include <algorithm>
+#include <new>
 #include <string>
+#include <vector>
 
 #include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/parsers/SAX2XMLReaderImpl.hpp>
 #include <xercesc/sax2/Attributes.hpp>
 #include <xercesc/sax2/DefaultHandler.hpp>
-#include <xercesc/sax2/SAX2XMLReader.hpp>
-#include <xercesc/sax2/XMLReaderFactory.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/SecurityManager.hpp>
 #include <xercesc/util/XMLString.hpp>
@@ -98,7 +99,6 @@ public:
     void comment(XMLCh const*, XMLSize_t) override { MeetNodeWithoutName(); }
     void processingInstruction(XMLCh const*, XMLCh const*) override { MeetNodeWithoutName(); }
 
-    void startDTD(XMLCh const*, XMLCh const*, XMLCh const*) override { throw Refusal(); }
     void error(xercesc::SAXParseException const&) override { throw Refusal(); }
     void fatalError(xercesc::SAXParseException const&) override { throw Refusal(); }
 
@@ -220,7 +220,32 @@ private:
     std::string m_text;
 };
 
-void Configure(xercesc::SAX2XMLReader& reader)
+// The XML library's parser, which by itself reports a document type only where that declares something, and
+// takes every version 1.x.
+class Reader final : public xercesc::SAX2XMLReaderImpl
+{
+public:
+    explicit Reader(xercesc::MemoryManager* memory) : SAX2XMLReaderImpl(memory) {}
+
+    void doctypeDecl(xercesc::DTDElementDecl const&, XMLCh const*, XMLCh const*, bool, bool) override
+    {
+        throw Refusal();
+    }
+
+    void XMLDecl(XMLCh const* version, XMLCh const* encoding, XMLCh const* standalone,
+                 XMLCh const* actualEncoding) override
+    {
+        using xercesc::XMLString;
+        using xercesc::XMLUni;
+        if (!XMLString::equals(version, XMLUni::fgVersion1_0) &&
+            !XMLString::equals(version, XMLUni::fgVersion1_1)) {
+            throw Refusal();
+        }
+        SAX2XMLReaderImpl::XMLDecl(version, encoding, standalone, actualEncoding);
+    }
+};
+
+void Configure(Reader& reader)
 {
     using xercesc::XMLUni;
     reader.setFeature(XMLUni::fgSAX2CoreNameSpaces, false);
@@ -241,14 +266,13 @@ bool Parse(std::string_view document, Handler& handler)
         xercesc::MemBufInputSource source(reinterpret_cast<XMLByte const*>(document.data()), document.size(),
                                           kSource, false, &memory);
         source.setCopyBufToStream(false);
-        std::unique_ptr<xercesc::SAX2XMLReader> const reader(
-            xercesc::XMLReaderFactory::createXMLReader(&memory));
-        Configure(*reader);
-        reader->setProperty(xercesc::XMLUni::fgXercesSecurityManager, &security);
-        reader->setContentHandler(&handler);
-        reader->setLexicalHandler(&handler);
-        reader->setErrorHandler(&handler);
-        reader->parse(source);
+        Reader reader(&memory);
+        Configure(reader);
+        reader.setProperty(xercesc::XMLUni::fgXercesSecurityManager, &security);
+        reader.setContentHandler(&handler);
+        reader.setLexicalHandler(&handler);
+        reader.setErrorHandler(&handler);
+        reader.parse(source);
         return true;
     } catch (std::bad_alloc const&) {
         throw;

@@ -78,7 +78,7 @@ private:
     bool WriteKey(PropertyKey const& key,
                   std::size_t level) // NOLINT(misc-no-recursion): the depth is bounded
     {
-        if (level > kMaxTreeDepth || m_document.size() > kMaxDocumentSize) {
+        if (level > kMaxTreeDepth) {
             return false;
         }
         EndLine();
@@ -168,6 +168,9 @@ private:
 
     bool WriteEscaped(std::string_view text, Escapes const& escapes)
     {
+        if (m_document.size() + text.size() > kMaxDocumentSize) {
+            return false;
+        }
         if (!IsAscii(text)) {
             if (!ToUtf8(text, m_utf8)) {
                 return false;
@@ -184,6 +187,9 @@ private:
                 m_document.append(run, c);
                 m_document += escape;
                 run = c + 1;
+                if (m_document.size() > kMaxDocumentSize) {
+                    return false;
+                }
             }
         }
         m_document.append(run, text.end());
