@@ -216,12 +216,13 @@ TEST(XmlHostile, WrongEncodingsAreRefusedAndRightOnesRead)
         EXPECT_EQ(collection.GetValueString("a", ""), "text");
     }
     for (std::string const& document : {
-             "<?xml version='1.0' encoding='UTF-16'?>" + kBody,
              "<?xml version='1.0' encoding='no-such-encoding'?>" + kBody,
              "<?xml version='1.0' encoding=''?>" + kBody,
              "\xFF\xFE" + kBody,
              "\xFE\xFF" + kBody,
              utf16le.substr(0, utf16le.size() - 1),
+             utf16le + std::string(4, '\0'),
+             utf16be + std::string(4, '\0'),
              std::string("<d><Key Name='\xE9'/></d>"),
              std::string("<d><Key Name='\xC0\xAF'/></d>"),
              std::string("<d><Key Name='\xED\xA0\x80'/></d>"),
@@ -240,6 +241,8 @@ TEST(XmlHostile, EmptyAndZeroFilesAndFoldersAreRefused)
     ExpectDocumentRefused(std::string(1, '\0'));
     ExpectDocumentRefused(std::string(100000, '\0'));
     ExpectDocumentRefused(kBody + std::string(10, '\0'));
+    // The parser alone would stop at the zero byte and be content.
+    ExpectDocumentRefused(kBody + '\0' + "garbage");
     ExpectDocumentRefused(kBody + kBody);
     Scratch const scratch;
     ExpectRefused(Quarn::string(scratch.Folder()));

@@ -110,6 +110,11 @@ void WriteKey(DOMDocument* document, DOMElement* parent, Quarn::PropertyKey cons
 
 Result Read(std::string const& document, Quarn::PropertyCollection& collection)
 {
+    // Behind the root element the parser takes one for the end. The documents in two bytes a character have
+    // none.
+    if (document.find('\0') != document.npos && document.find("\xFF\xFE") != 0) {
+        return Result::Refused;
+    }
     HandlerBase quiet;
     XercesDOMParser parser;
     parser.setValidationScheme(XercesDOMParser::Val_Auto);

@@ -257,6 +257,24 @@ void Configure(Reader& reader)
     reader.setFeature(XMLUni::fgXercesDisableDefaultEntityResolution, true);
 }
 
+// The XML library takes a zero character behind the root element for the end of the document, whatever
+// follows.
+bool HoldsZeroCharacter(std::string_view document)
+{
+    bool const hasMark = document.starts_with("\xFF\xFE") || document.starts_with("\xFE\xFF");
+    std::string_view const first = document.substr(hasMark ? 2 : 0, 4);
+    auto const zeros = std::count(first.begin(), first.end(), '\0');
+    // "<" and what follows, in one, two or four bytes each.
+    std::size_t const unit = zeros >= 3 ? 4 : zeros == 2 || hasMark ? 2 : 1;
+    for (std::size_t at = 0; at + unit <= document.size(); at += unit) {
+        std::string_view const character = document.substr(at, unit);
+        if (character.find_first_not_of('\0') == character.npos) {
+            return true;
+        }
+    }
+    return false;
+}
+
 bool Parse(std::string_view document, Handler& handler)
 {
     BoundedMemory memory(kMaxParserMemory);
@@ -288,7 +306,7 @@ ReadResult ReadSettings(std::string_view document, PropertyCollection& collectio
 {
     SettingsSteps steps;
     Handler handler(steps);
-    if (document.size() > kMaxDocumentSize || !Parse(document, handler)) {
+    if (document.size() > kMaxDocumentSize || HoldsZeroCharacter(document) || !Parse(document, handler)) {
         return ReadResult::Refused;
     }
     steps.Apply(collection);
