@@ -44,15 +44,20 @@ inline Bytes Written(Quarn::memorystream& stream)
     return Bytes(memory, memory + static_cast<std::ptrdiff_t>(stream.tellp()));
 }
 
-// A memory stream over bytes of its own, to read from.
-class BytesStream : private Bytes, public Quarn::memorystream
+// A memory stream over bytes of its own, to read from; of exactly the library's type.
+class Source
 {
 public:
-    explicit BytesStream(Bytes const& bytes)
-        : Bytes(bytes),
-          Quarn::memorystream(Bytes::data(), static_cast<std::streamoff>(bytes.size()))
+    explicit Source(Bytes const& bytes)
+        : m_bytes(bytes), m_stream(m_bytes.data(), static_cast<std::streamoff>(m_bytes.size()))
     {}
-    explicit BytesStream(std::string const& hex) : BytesStream(Hex(hex)) {}
-    BytesStream(BytesStream const& other) = delete;
-    BytesStream& operator=(BytesStream const& other) = delete;
+    explicit Source(std::string const& hex) : Source(Hex(hex)) {}
+    Source(Source const& other) = delete;
+    Source& operator=(Source const& other) = delete;
+
+    operator Quarn::memorystream&() { return m_stream; }
+
+private:
+    Bytes m_bytes;
+    Quarn::memorystream m_stream;
 };

@@ -42,7 +42,8 @@ std::string TextOf(Action action)
 
 unsigned long Verify(Bytes const& bytes, unsigned long id, unsigned long newest)
 {
-    BytesStream stream(bytes);
+    Source streamSource(bytes);
+    Quarn::memorystream& stream = streamSource;
     return stream.ReadAndVerifyHeader(id, newest);
 }
 
@@ -73,7 +74,8 @@ TEST(HeaderBlock, IsWrittenAsTwoRawWordsOfFourBytes)
 
 TEST(HeaderBlock, CutShortLeavesTheTargetAsItWas)
 {
-    BytesStream stream("01 00 00 00 02 00");
+    Source streamSource("01 00 00 00 02 00");
+    Quarn::memorystream& stream = streamSource;
     HeaderBlock header{7, 8};
     EXPECT_EQ(ThrownText([&] { stream >> header; }), "Generic Read");
     EXPECT_EQ(header.id, 7U);
@@ -123,7 +125,8 @@ TEST(VerifyHeader, ComparesVersionsUnsignedAndDeliberatelyShowsThemSigned)
 
 TEST(VerifyHeader, StandsBehindTheHeaderAfterARefusal)
 {
-    BytesStream stream("03 00 01 00 04 00 00 00 2A 00 00 00");
+    Source streamSource("03 00 01 00 04 00 00 00 2A 00 00 00");
+    Quarn::memorystream& stream = streamSource;
     EXPECT_THROW(stream.ReadAndVerifyHeader(1, 1), StreamVerifyIdException);
     int next = 0;
     stream >> next;

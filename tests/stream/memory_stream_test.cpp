@@ -63,7 +63,8 @@ TEST(MemoryStream, WriteOverflowDeliberatelyReportsGenericRead)
 
 TEST(MemoryStream, ReadOverflowMovesWhatIsThere)
 {
-    BytesStream stream("01 02 03");
+    Source streamSource("01 02 03");
+    Quarn::memorystream& stream = streamSource;
     unsigned char buffer[5] = {9, 9, 9, 9, 9};
     EXPECT_EQ(ThrownText([&] { stream.read(buffer, 5); }), "Generic Read");
     EXPECT_EQ(Bytes(buffer, buffer + 5), Hex("01 02 03 09 09"));
@@ -181,7 +182,8 @@ TEST(MemoryStream, GivesItsBlockAsAPointer)
 
 TEST(MemoryStream, PeekDoesNotMove)
 {
-    BytesStream stream("FE 01");
+    Source streamSource("FE 01");
+    Quarn::memorystream& stream = streamSource;
     EXPECT_EQ(stream.peek(), 0xFEU);
     EXPECT_EQ(stream.peek(), 0xFEU);
     EXPECT_EQ(stream.tellg(), std::streampos(0));
@@ -189,7 +191,8 @@ TEST(MemoryStream, PeekDoesNotMove)
 
 TEST(MemoryStream, PeekAtTheEndDeliberatelySpoilsTheStream)
 {
-    BytesStream stream("01");
+    Source streamSource("01");
+    Quarn::memorystream& stream = streamSource;
     char c = 0;
     stream >> c;
     EXPECT_EQ(stream.peek(), 0U);
@@ -199,7 +202,8 @@ TEST(MemoryStream, PeekAtTheEndDeliberatelySpoilsTheStream)
 
 TEST(MemoryStream, ReadsomeStopsQuietlyAtTheEnd)
 {
-    BytesStream stream("01 02 03");
+    Source streamSource("01 02 03");
+    Quarn::memorystream& stream = streamSource;
     unsigned char buffer[10] = {};
     EXPECT_EQ(stream.readsome(buffer, 10), 3U);
     EXPECT_EQ(stream.gcount(), 3U);
@@ -213,7 +217,8 @@ TEST(MemoryStream, ReadsomeStopsQuietlyAtTheEnd)
 
 TEST(MemoryStream, WritingDoesNotTouchTheReadCount)
 {
-    BytesStream stream("01 02 03 04 05 06");
+    Source streamSource("01 02 03 04 05 06");
+    Quarn::memorystream& stream = streamSource;
     unsigned char buffer[2] = {};
     stream.read(buffer, 2);
     stream << short{1};
@@ -222,7 +227,8 @@ TEST(MemoryStream, WritingDoesNotTouchTheReadCount)
 
 TEST(MemoryStream, PutbackOverwritesTheByteBefore)
 {
-    BytesStream stream("01 02");
+    Source streamSource("01 02");
+    Quarn::memorystream& stream = streamSource;
     stream.putback(9);
     EXPECT_EQ(stream.tellg(), std::streampos(0));
     EXPECT_EQ(stream.peek(), 1U);
@@ -235,7 +241,8 @@ TEST(MemoryStream, PutbackOverwritesTheByteBefore)
 
 TEST(MemoryStream, UngetDeliberatelyDoesNothing)
 {
-    BytesStream stream("01 02");
+    Source streamSource("01 02");
+    Quarn::memorystream& stream = streamSource;
     char c = 0;
     stream >> c;
     stream.unget();
@@ -254,14 +261,23 @@ struct Seek
 TEST(MemoryStream, SeeksInsideABlockOfTenBytes)
 {
     Seek const seeks[] = {
-        {0, 0, 5, 0, false},         {9, 0, 5, 9, false}, {10, 0, 5, 9, true}, // the end is no place to seek
-                                                                               // to
-        {0xFFFFFFFF, 0, 5, 9, true}, {0, 1, 5, 5, false}, {4, 1, 5, 9, false}, {5, 1, 5, 9, true},
+        {0, 0, 5, 0, false},
+        {9, 0, 5, 9, false},
+        {10, 0, 5, 9, true}, // the end is no place to seek
+                             // to
+        {0xFFFFFFFF, 0, 5, 9, true},
+        {0, 1, 5, 5, false},
+        {4, 1, 5, 9, false},
+        {5, 1, 5, 9, true},
         {0xFFFFFFFF, 1, 5, 9, true}, // no way back
         {0, 2, 5, 9, false},         // the last byte, not behind it
-        {2, 2, 5, 7, false},         {9, 2, 5, 0, false}, {10, 2, 5, 0, true}, {0xFFFFFFFE, 2, 5, 0, true},
-        {0xFFFFFFFF, 2, 5, 9, true},                      // one more than this wraps to 0
-        {3, 3, 5, 5, false},         {3, 3, 10, 9, true}, // the clamp holds for any direction
+        {2, 2, 5, 7, false},
+        {9, 2, 5, 0, false},
+        {10, 2, 5, 0, true},
+        {0xFFFFFFFE, 2, 5, 0, true},
+        {0xFFFFFFFF, 2, 5, 9, true}, // one more than this wraps to 0
+        {3, 3, 5, 5, false},
+        {3, 3, 10, 9, true}, // the clamp holds for any direction
     };
     for (Seek const& seek : seeks) {
         for (bool const reading : {true, false}) {
@@ -291,11 +307,13 @@ TEST(MemoryStream, SeeksToPositions)
         bool failed;
     } const seeks[] = {{0, 0, false}, {9, 9, false}, {10, 9, true}, {0x100000000, 9, true}, {-1, 0, true}};
     for (auto const& seek : seeks) {
-        BytesStream stream("01 02 03 04 05 06 07 08 09 0A");
+        Source streamSource("01 02 03 04 05 06 07 08 09 0A");
+        Quarn::memorystream& stream = streamSource;
         stream.seekg(std::streampos(seek.to));
         EXPECT_EQ(stream.tellg(), std::streampos(seek.position)) << seek.to;
         EXPECT_EQ(ReadError(stream) == "Generic Read", seek.failed) << seek.to;
-        BytesStream other("01 02 03 04 05 06 07 08 09 0A");
+        Source otherSource("01 02 03 04 05 06 07 08 09 0A");
+        Quarn::memorystream& other = otherSource;
         other.seekp(std::streampos(seek.to));
         EXPECT_EQ(other.tellp(), std::streampos(seek.position)) << seek.to;
     }
@@ -398,6 +416,63 @@ TEST(MemoryStream, ACopyOfAHeapBlockMayOutliveTheSourceInItsPlace)
     EXPECT_EQ(value, 42);
 }
 
+TEST(MemoryStream, AssignedToItselfStaysAsItWas)
+{
+    memorystream stream(16);
+    stream << 1 << 2;
+    stream.seekg(0, 0);
+    int value = 0;
+    stream >> value;
+    memorystream& same = stream;
+    stream = same;
+    EXPECT_EQ(stream.gcount(), 4U);
+    stream >> value;
+    EXPECT_EQ(value, 2);
+}
+
+TEST(MemoryStream, CountsAndPositionsFollowEveryTypedReadAndWrite)
+{
+    memorystream stream(64);
+    stream << short{1} << 2 << 3.0 << "ab" << "";
+    EXPECT_EQ(stream.tellp(), std::streampos(2 + 4 + 8 + 14 + 12));
+    stream.seekg(0, 0);
+    short s = 0;
+    int i = 0;
+    double d = 0;
+    Quarn::string text;
+    stream >> s;
+    EXPECT_EQ(stream.gcount(), 2U);
+    stream >> i;
+    EXPECT_EQ(stream.gcount(), 4U);
+    stream >> d;
+    EXPECT_EQ(stream.gcount(), 8U);
+    stream >> text;
+    EXPECT_EQ(stream.gcount(), 2U);
+    EXPECT_EQ(stream.peek(), 0xFFU);
+    stream.putback('b');
+    EXPECT_EQ(stream.tellg(), std::streampos(27));
+    char c = 0;
+    stream >> c >> text;
+    EXPECT_EQ(c, 'b');
+    EXPECT_EQ(text, "");
+    EXPECT_EQ(stream.gcount(), 4U);
+    EXPECT_EQ(stream.tellp(), std::streampos(40));
+}
+
+TEST(MemoryStream, ReleasedBetweenTypedWritesIsAtItsEnd)
+{
+    memorystream stream(300);
+    stream << 1 << 2;
+    stream.ReleaseMemory();
+    EXPECT_EQ(ThrownText([&] { stream << 3; }), "Generic Read");
+    memorystream other(300);
+    other << 1 << 2;
+    other.ReleaseMemory();
+    other.Allocate(16);
+    other << 3;
+    EXPECT_EQ(other.tellp(), std::streampos(12));
+}
+
 TEST(MemoryStream, ACopyKeepsTheFailure)
 {
     memorystream stream(1);
@@ -410,11 +485,13 @@ TEST(MemoryStream, ACopyKeepsTheFailure)
 TEST(MemoryStream, MovesBytesWithinItsOwnBlock)
 {
     // Byte by byte from the front: a run that overlaps its source repeats it.
-    BytesStream forward("01 02 00 00 00 00");
+    Source forwardSource("01 02 00 00 00 00");
+    Quarn::memorystream& forward = forwardSource;
     forward.seekp(2, 0);
     forward.write(forward.GetMemory(), 4);
     EXPECT_EQ(Bytes(forward.GetMemory(), forward.GetMemory() + 6), Hex("01 02 01 02 01 02"));
-    BytesStream backward("01 02 03 04 05 06");
+    Source backwardSource("01 02 03 04 05 06");
+    Quarn::memorystream& backward = backwardSource;
     backward.write(backward.GetMemory() + 2, 4);
     EXPECT_EQ(Bytes(backward.GetMemory(), backward.GetMemory() + 6), Hex("03 04 05 06 05 06"));
 }

@@ -31,7 +31,8 @@ Bytes StoredAs(T const& value)
 template<typename T>
 T ReadAs(std::string const& hex)
 {
-    BytesStream stream(hex);
+    Source streamSource(hex);
+    Quarn::memorystream& stream = streamSource;
     T value{};
     stream >> value;
     EXPECT_EQ(stream.tellg(), stream.GetSize());
@@ -62,7 +63,8 @@ TEST(Primitives, WriteTheGoldenFile)
 
 TEST(Primitives, ReadTheGoldenFile)
 {
-    BytesStream stream(Golden("primitives.bin"));
+    Source streamSource(Golden("primitives.bin"));
+    Quarn::memorystream& stream = streamSource;
     char c = 0;
     unsigned char uc = 0;
     bool yes = false;
@@ -124,7 +126,8 @@ TEST(Primitives, ALongKeepsItsSignAndAnUnsignedLongIsFilledWithZeros)
     EXPECT_EQ(ReadAs<long>("FE FF FF FF"), -2L);
     EXPECT_EQ(ReadAs<long>("00 00 00 80"), std::numeric_limits<std::int32_t>::min());
     EXPECT_EQ(ReadAs<unsigned long>("FE FF FF FF"), 0xFFFFFFFEUL);
-    BytesStream stream("07 00 00 00 08 00 00 00");
+    Source streamSource("07 00 00 00 08 00 00 00");
+    Quarn::memorystream& stream = streamSource;
     long l = -1;
     unsigned long ul = ~0UL;
     stream >> l >> ul;
@@ -154,7 +157,8 @@ TEST(Primitives, ALongBeyond32BitsIsReportedAndCut)
 
 TEST(Primitives, ABoolTakesTheByteAsItStands)
 {
-    BytesStream stream("02");
+    Source streamSource("02");
+    Quarn::memorystream& stream = streamSource;
     bool value = false;
     stream >> value;
     unsigned char byte = 0;
@@ -200,7 +204,8 @@ TEST(Primitives, FloatsKeepEveryBit)
 
 TEST(Primitives, BytesThatAreNotThereLeaveTheRestOfTheVariable)
 {
-    BytesStream stream("11 22");
+    Source streamSource("11 22");
+    Quarn::memorystream& stream = streamSource;
     std::uint32_t value = 0xAABBCCDD;
     EXPECT_EQ(ThrownText([&] { stream >> value; }), "Generic Read");
     EXPECT_EQ(value, 0xAABB2211);

@@ -24,7 +24,8 @@ Bytes StoredAs(Text const& text)
 
 Quarn::string ReadText(Bytes const& bytes)
 {
-    BytesStream stream(bytes);
+    Source streamSource(bytes);
+    Quarn::memorystream& stream = streamSource;
     Quarn::string text = "old";
     stream >> text;
     EXPECT_EQ(stream.tellg(), stream.GetSize());
@@ -67,7 +68,8 @@ TEST(StringEncoding, WritesAndReadsTheGoldenFile)
     stream << "" << std::string("ab") << Quarn::string("caf\xE9") << Digits();
     EXPECT_EQ(Written(stream), Golden("strings.bin"));
 
-    BytesStream source(Golden("strings.bin"));
+    Source bytes(Golden("strings.bin"));
+    Quarn::memorystream& source = bytes;
     std::string empty = "old";
     Quarn::string two;
     char latin[16];
@@ -83,7 +85,8 @@ TEST(StringEncoding, WritesAndReadsTheGoldenFile)
 TEST(StringEncoding, ReadsTheOlderFormat)
 {
     EXPECT_EQ(ReadText(Hex("02 00 00 00 FD FF FF FF 61 62")), "ab");
-    BytesStream source(Golden("strings_old.bin"));
+    Source bytes(Golden("strings_old.bin"));
+    Quarn::memorystream& source = bytes;
     std::string empty = "old";
     Quarn::string two;
     Quarn::string latin;
@@ -208,7 +211,8 @@ TEST(StringEncoding, ACTextIsWrittenAsTheStringOfIt)
 
 TEST(StringList, ReadsTheGoldenFile)
 {
-    BytesStream stream(Golden("string_list.bin"));
+    Source streamSource(Golden("string_list.bin"));
+    Quarn::memorystream& stream = streamSource;
     Quarn::StringList list(2, "old");
     EXPECT_EQ(&(stream >> list), &stream);
     EXPECT_EQ(std::vector<std::string>(list.begin(), list.end()),
@@ -218,7 +222,8 @@ TEST(StringList, ReadsTheGoldenFile)
 
 TEST(StringList, OfCountZeroIsEmpty)
 {
-    BytesStream stream("00 00 00 00");
+    Source streamSource("00 00 00 00");
+    Quarn::memorystream& stream = streamSource;
     Quarn::StringList list(2, "old");
     stream >> list;
     EXPECT_TRUE(list.empty());
@@ -226,7 +231,8 @@ TEST(StringList, OfCountZeroIsEmpty)
 
 TEST(StringList, HoldsWhatWasReadBeforeTheEnd)
 {
-    BytesStream stream("FF FF FF FF 01 00 00 00 FE FF FF FF 61 01 00 00 00");
+    Source streamSource("FF FF FF FF 01 00 00 00 FE FF FF FF 61 01 00 00 00");
+    Quarn::memorystream& stream = streamSource;
     Quarn::StringList list(2, "old");
     EXPECT_EQ(ThrownText([&] { stream >> list; }), "Generic Read");
     ASSERT_EQ(list.size(), 1U);

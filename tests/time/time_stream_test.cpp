@@ -51,7 +51,8 @@ TEST(TimeStream, WritesTheGoldenFile)
 
 TEST(TimeStream, ReadsTheGoldenFile)
 {
-    BytesStream stream(Golden("time.bin"));
+    Source streamSource(Golden("time.bin"));
+    Quarn::memorystream& stream = streamSource;
     Time first = TIME{1, 1};
     Time second;
     EXPECT_EQ(&(stream >> first >> second), &stream);
@@ -64,7 +65,8 @@ TEST(TimeStream, ReadsTheGoldenFile)
 
 TEST(TimeStream, CutShortLeavesTheTargetAsItWas)
 {
-    BytesStream stream("01 00 00 00 02 00");
+    Source streamSource("01 00 00 00 02 00");
+    Quarn::memorystream& stream = streamSource;
     Time time = TIME{7, 8};
     EXPECT_EQ(ThrownText([&] { stream >> time; }), "Generic Read");
     EXPECT_EQ(Words(time).High, 7U);
