@@ -34,6 +34,9 @@ memorystream::memorystream(memorystream const& other) : istream(other), ostream(
 
 memorystream& memorystream::operator=(memorystream const& other)
 {
+    if (this == &other) {
+        return *this;
+    }
     istream::operator=(other);
     ostream::operator=(other);
     m_position = other.Position();

@@ -49,7 +49,8 @@ class Source
 {
 public:
     explicit Source(Bytes const& bytes)
-        : m_bytes(bytes), m_stream(m_bytes.data(), static_cast<std::streamoff>(m_bytes.size()))
+        : m_bytes(bytes),
+          m_stream(m_bytes.data(), static_cast<std::streamoff>(m_bytes.size()))
     {}
     explicit Source(std::string const& hex) : Source(Hex(hex)) {}
     Source(Source const& other) = delete;

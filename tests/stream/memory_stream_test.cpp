@@ -433,7 +433,8 @@ TEST(MemoryStream, AssignedToItselfStaysAsItWas)
 TEST(MemoryStream, CountsAndPositionsFollowEveryTypedReadAndWrite)
 {
     memorystream stream(64);
-    stream << short{1} << 2 << 3.0 << "ab" << "";
+    stream << short{1} << 2 << 3.0 << "ab"
+           << "";
     EXPECT_EQ(stream.tellp(), std::streampos(2 + 4 + 8 + 14 + 12));
     stream.seekg(0, 0);
     short s = 0;

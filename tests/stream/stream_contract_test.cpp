@@ -141,11 +141,11 @@ public:
     template<typename Kind>
     static std::string GetName(int)
     {
-        return std::is_same_v<Kind, MemoryKind>       ? "Memory"
-               : std::is_same_v<Kind, LentMemoryKind> ? "LentMemory"
+        return std::is_same_v<Kind, MemoryKind>          ? "Memory"
+               : std::is_same_v<Kind, LentMemoryKind>    ? "LentMemory"
                : std::is_same_v<Kind, DerivedMemoryKind> ? "DerivedMemory"
-               : std::is_same_v<Kind, FileKind>       ? "File"
-                                                      : "Client";
+               : std::is_same_v<Kind, FileKind>          ? "File"
+                                                         : "Client";
     }
 };
 
