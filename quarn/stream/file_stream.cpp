@@ -137,7 +137,14 @@ bool ifstream::IsValidInput() const
 
 void ifstream::clearstate()
 {
+    bool const atEnd = m_stream.eof();
     m_stream.clear();
+    if (atEnd) {
+        // Some runtimes remember the end until the next seek, while another program may have added to the
+        // file.
+        m_stream.seekg(0, std::ios_base::cur);
+        m_stream.clear();
+    }
 }
 
 istream& ifstream::input(unsigned char* buffer, unsigned long n)
