@@ -1,11 +1,11 @@
 #include "quarn/stream/memory_stream.h"
 
+#include "examples/zlib_compressor.h"
 #include "tests/stream/bytes.h"
 #include "tests/stream/captured_reports.h"
 #include "tests/stream/fake_streams.h"
 #include "tests/stream/run_length_compressor.h"
 #include "tests/stream/throws.h"
-#include "examples/zlib_compressor.h"
 
 #include <numeric>
 #include <random>

@@ -4,12 +4,12 @@
 #include "quarn/stream/null_stream.h"
 #include "quarn/stream/stat_stream.h"
 
+#include "examples/zlib_compressor.h"
 #include "tests/platform/scratch_folder.h"
 #include "tests/stream/bytes.h"
 #include "tests/stream/fake_streams.h"
 #include "tests/stream/record.h"
 #include "tests/stream/throws.h"
-#include "tests/stream/zlib_compressor.h"
 
 #include <algorithm>
 #include <memory>

@@ -1,0 +1,165 @@
+// What a false length costs. This program counts every byte that it and the library allocate.
+#include "quarn/text/string_list.h"
+
+#include "tests/stream/fake_streams.h"
+#include "tests/stream/run_length_compressor.h"
+#include "tests/stream/throws.h"
+
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+std::size_t g_live = 0;
+std::size_t g_peak = 0;
+std::size_t g_largest = 0;
+
+constexpr std::size_t g_headerSize = alignof(std::max_align_t);
+
+// The most that `action` had allocated at once.
+template<typename Action>
+std::size_t PeakOf(Action action)
+{
+    std::size_t const before = g_live;
+    g_peak = g_live;
+    g_largest = 0;
+    action();
+    return g_peak - before;
+}
+
+Bytes Words(std::initializer_list<unsigned int> words)
+{
+    Bytes bytes;
+    for (unsigned int const word : words) {
+        for (int shift = 0; shift < 32; shift += 8) {
+            bytes.push_back(static_cast<unsigned char>(word >> shift));
+        }
+    }
+    return bytes;
+}
+
+Bytes WithBody(Bytes prefix, std::size_t body)
+{
+    prefix.insert(prefix.end(), body, 'x');
+    return prefix;
+}
+
+constexpr std::size_t g_allowance = 64 * 1024;
+constexpr std::size_t g_small = 1024; // exceptions, lists of pieces
+
+void ExpectCheapFailure(FakeInput& stream, std::size_t held, char const* error)
+{
+    Quarn::string text = "old";
+    std::size_t const peak = PeakOf([&] { EXPECT_EQ(ThrownText([&] { stream >> text; }), error); });
+    EXPECT_LE(peak, held + g_allowance + g_small) << held;
+    EXPECT_EQ(text, "old");
+}
+
+TEST(HostileLength, OfAStringCostsNoMoreThan64KiBBeyondWhatTheStreamHolds)
+{
+    for (unsigned int const length : {65536U, 65537U, 1000000000U, 0xFFFFFFFEU, 0xFFFFFFFFU}) {
+        for (std::size_t const held : {0U, 100U, 65000U, 1000000U}) {
+            if (held < length) {
+                FakeInput current(WithBody(Words({0xFFFFFFFF, length, ~length}), held));
+                ExpectCheapFailure(current, held, "Generic Read");
+                if (length != 0xFFFFFFFF) {
+                    FakeInput older(WithBody(Words({length, ~length}), held));
+                    ExpectCheapFailure(older, held, "Generic Read");
+                }
+            }
+        }
+    }
+}
+
+TEST(HostileLength, OfAStringThatIsThereCostsAtMostTheTextTwice)
+{
+    constexpr unsigned int length = 10000000;
+    FakeInput stream(WithBody(Words({0xFFFFFFFF, length, ~length}), length));
+    Quarn::string text;
+    std::size_t const peak = PeakOf([&] { stream >> text; });
+    EXPECT_EQ(text.size(), length);
+    EXPECT_LE(peak, 2 * std::size_t{length} + g_allowance);
+}
+
+TEST(HostileLength, OfTheStoredBytesOfABlockCostsNoMoreEither)
+{
+    for (std::size_t const held : {0U, 100U, 1000000U}) {
+        RunLengthCompressor compressor;
+        FakeInput stream(WithBody(Words({0xFFFFFFFF, 0xFFFFFFF0, 0xF, 0xFFFFFFF0, 0xFFFFFFFF}), held));
+        stream.SetCompressor(&compressor);
+        ExpectCheapFailure(stream, held, "Generic Read");
+        EXPECT_EQ(compressor.decompressed, 0);
+
+        FakeInput block(WithBody(Words({40, 0xFFFFFFFF}), held));
+        block.SetCompressor(&compressor);
+        unsigned char buffer[40];
+        std::size_t const peak =
+            PeakOf([&] { EXPECT_EQ(ThrownText([&] { block.read(buffer, 40); }), "Generic Read"); });
+        EXPECT_LE(peak, held + g_allowance + g_small);
+    }
+}
+
+TEST(HostileLength, OfABlockIsAllocatedOnlyAfterItsStoredBytesWereRead)
+{
+    RunLengthCompressor compressor;
+    FakeInput stream(WithBody(Words({0xFFFFFFFF, 50000000, ~50000000U, 50000000, 100000}), 99999));
+    stream.SetCompressor(&compressor);
+    Quarn::string text;
+    PeakOf([&] { EXPECT_EQ(ThrownText([&] { stream >> text; }), "Generic Read"); });
+    EXPECT_LT(g_largest, 100000U);
+
+    // A size that differs from the string's length is refused before anything is allocated.
+    FakeInput other(WithBody(Words({0xFFFFFFFF, 50000000, ~50000000U, 50000001, 100000}), 100000));
+    other.SetCompressor(&compressor);
+    std::size_t const peak =
+        PeakOf([&] { EXPECT_EQ(ThrownText([&] { other >> text; }), "Compression Size Fault"); });
+    EXPECT_LE(peak, g_small);
+}
+
+TEST(HostileLength, OfAListCostsWhatItsStringsCost)
+{
+    Bytes bytes = Words({0xFFFFFFFF});
+    for (int i = 0; i < 1000; ++i) {
+        Bytes const empty = Words({0, 0xFFFFFFFF});
+        bytes.insert(bytes.end(), empty.begin(), empty.end());
+    }
+    FakeInput stream(bytes);
+    Quarn::StringList list;
+    std::size_t const peak = PeakOf([&] { EXPECT_EQ(ThrownText([&] { stream >> list; }), "Generic Read"); });
+    EXPECT_EQ(list.size(), 1000U);
+    EXPECT_LE(peak, 1000 * 100U);
+}
+
+} // namespace
+
+// Each block remembers its size before its first byte.
+void* operator new(std::size_t size)
+{
+    auto* const block = static_cast<std::size_t*>(std::malloc(size + g_headerSize));
+    if (block == nullptr) {
+        throw std::bad_alloc();
+    }
+    *block = size;
+    g_live += size;
+    g_peak = g_live > g_peak ? g_live : g_peak;
+    g_largest = size > g_largest ? size : g_largest;
+    return reinterpret_cast<char*>(block) + g_headerSize;
+}
+
+void operator delete(void* memory) noexcept
+{
+    if (memory != nullptr) {
+        auto* const block = reinterpret_cast<std::size_t*>(static_cast<char*>(memory) - g_headerSize);
+        g_live -= *block;
+        std::free(block);
+    }
+}
+
+void operator delete(void* memory, std::size_t /*size*/) noexcept
+{
+    operator delete(memory);
+}
