@@ -6,12 +6,12 @@ namespace Quarn {
 
 void* malloc(std::size_t size)
 {
-    return std::malloc(size);
+    return std::malloc(size); // NOLINT(cppcoreguidelines-no-malloc)
 }
 
 void free(void* memory)
 {
-    std::free(memory);
+    std::free(memory); // NOLINT(cppcoreguidelines-no-malloc)
 }
 
 } // namespace Quarn

@@ -31,7 +31,7 @@ MutexWrapper::MutexWrapper(HANDLE mutex) : m_mutex(mutex), m_owned(false)
 
 MutexWrapper::MutexWrapper(char const* name) : MutexWrapper(::CreateMutexA(nullptr, FALSE, name))
 {
-    m_owned = true;
+    m_owned = true; // NOLINT(cppcoreguidelines-prefer-member-initializer): the other constructor is done
 }
 
 MutexWrapper::~MutexWrapper()

@@ -29,8 +29,8 @@ void CheckPosition(std::size_t pos, std::size_t size)
 } // namespace
 
 // Named once more, so that the library holds the constants for clients that take a reference to them.
-constexpr std::uint64_t string::npos;
-constexpr std::uint64_t string::NPOS;
+constexpr std::uint64_t string::npos; // NOLINT(readability-redundant-declaration)
+constexpr std::uint64_t string::NPOS; // NOLINT(readability-redundant-declaration)
 
 string& string::operator=(std::string const& text)
 {

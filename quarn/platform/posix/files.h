@@ -14,6 +14,8 @@ class Descriptor
 public:
     Descriptor() = default;
     explicit Descriptor(int descriptor) : m_descriptor(descriptor) {}
+    Descriptor(Descriptor const&) = delete;
+    Descriptor& operator=(Descriptor const&) = delete;
     Descriptor(Descriptor&& other) noexcept : m_descriptor(other.m_descriptor) { other.m_descriptor = -1; }
     Descriptor& operator=(Descriptor&& other) noexcept;
     // Leaves errno as it is.
