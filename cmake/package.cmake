@@ -21,6 +21,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/package/QuarnUtilConfigVe
 install(FILES
   ${PROJECT_BINARY_DIR}/package/QuarnUtilConfig.cmake
   ${PROJECT_BINARY_DIR}/package/QuarnUtilConfigVersion.cmake
+  ${PROJECT_SOURCE_DIR}/cmake/quarn_resources.cmake
   DESTINATION ${package_folder})
 
 if(NOT WIN32)

@@ -62,3 +62,16 @@ asm(R"(
   set_source_files_properties(${note} PROPERTIES OBJECT_DEPENDS ${compiled})
   target_sources(${target} PRIVATE ${note})
 endfunction()
+
+# quarn_add_resource_module(name file.rc [included file...]): a module of nothing but resources, no code and no
+# runtime library, such as a language module: QuarnUtilDEU.dll or libQuarnUtilDEU.so of the name QuarnUtilDEU.
+function(quarn_add_resource_module name source)
+  add_library(${name} MODULE)
+  quarn_add_resources(${name} ${source} ${ARGN})
+  target_link_options(${name} PRIVATE -nostdlib)
+  set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
+  if(WIN32)
+    target_link_options(${name} PRIVATE -Wl,--entry=0)
+    set_target_properties(${name} PROPERTIES PREFIX "")
+  endif()
+endfunction()

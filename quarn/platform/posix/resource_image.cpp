@@ -287,13 +287,13 @@ private:
 
 } // namespace
 
-std::optional<ByteRange> FindResourceInNotes(ByteSource& notes, std::uint64_t alignment, std::uint16_t type,
-                                             std::uint16_t name)
+std::optional<ByteRange> LocateResourceInNotes(ByteSource& notes, std::uint64_t alignment, std::uint16_t type,
+                                               std::uint16_t name)
 {
     return Elf(notes, type, name).FindInNotes({0, notes.Size()}, alignment);
 }
 
-std::optional<ByteRange> FindResource(ByteSource& image, std::uint16_t type, std::uint16_t name)
+std::optional<ByteRange> LocateResource(ByteSource& image, std::uint16_t type, std::uint16_t name)
 {
     auto const magic = image.Get<std::uint32_t>(0);
     if (magic == 0x464C457FU) {

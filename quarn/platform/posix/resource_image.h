@@ -23,10 +23,10 @@ constexpr std::uint16_t VersionName = 1;
 
 // Where the resource of this type and name lies in the image; nothing where it has none, or is no image.
 // Among several languages: neutral, US English, neutral English, else the first.
-std::optional<ByteRange> FindResource(ByteSource& image, std::uint16_t type, std::uint16_t name);
+std::optional<ByteRange> LocateResource(ByteSource& image, std::uint16_t type, std::uint16_t name);
 
 // The same in the notes of an ELF module, the bytes of a PT_NOTE segment of this alignment.
-std::optional<ByteRange> FindResourceInNotes(ByteSource& notes, std::uint64_t alignment, std::uint16_t type,
-                                             std::uint16_t name);
+std::optional<ByteRange> LocateResourceInNotes(ByteSource& notes, std::uint64_t alignment, std::uint16_t type,
+                                               std::uint16_t name);
 
 } // namespace Quarn::detail

@@ -75,7 +75,7 @@ std::u16string FindText(HMODULE module, UINT id)
     // Ids have 16 bits.
     auto const name = static_cast<std::uint16_t>((id & 0xFFFF) / 16 + 1);
     VisitNotes(module, [&](ByteSource& notes, std::uint64_t alignment) {
-        auto const table = FindResourceInNotes(notes, alignment, StringTableType, name);
+        auto const table = LocateResourceInNotes(notes, alignment, StringTableType, name);
         if (table) {
             text = ReadText(notes, *table, id % 16);
         }

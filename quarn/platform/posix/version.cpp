@@ -29,7 +29,7 @@ VersionResource OpenVersionResource(char const* path)
     if (file == nullptr) {
         return resource;
     }
-    auto const range = FindResource(*file, VersionType, VersionName);
+    auto const range = LocateResource(*file, VersionType, VersionName);
     if (!range || range->size == 0) {
         Fail(ERROR_RESOURCE_DATA_NOT_FOUND);
         return resource;

@@ -12,8 +12,12 @@ namespace Quarn::detail {
 
 namespace {
 
+using Wide = std::basic_string<WCHAR>;
+using WideView = std::basic_string_view<WCHAR>;
+
 // The root, a kind of information, a language, a text.
 constexpr int MaxDepth = 4;
+constexpr WCHAR Backslash = '\\';
 // Length, length of the value, type.
 constexpr std::size_t NodeHeader = 6;
 
@@ -30,13 +34,14 @@ std::uint16_t Word(unsigned char const* block, std::size_t offset)
 // Offsets from the start of the block.
 struct Node
 {
+    std::size_t key;
+    std::size_t keyEnd;
     std::size_t end;
     std::size_t value;
     std::size_t valueEnd;
     std::size_t children;
     std::size_t next; // the sibling
     bool isText;
-    std::u16string key;
 };
 
 // The node at `at`, cut off at `limit`; nothing where there is none.
@@ -50,18 +55,17 @@ std::optional<Node> ReadNode(unsigned char const* block, std::size_t at, std::si
     Node node;
     node.isText = Word(block, at + 4) != 0;
     node.end = std::min(at + length, limit);
-    std::size_t key = at + NodeHeader;
-    for (;; key += 2) {
-        if (key + 2 > node.end) {
+    node.key = at + NodeHeader;
+    node.keyEnd = node.key;
+    for (;; node.keyEnd += 2) {
+        if (node.keyEnd + 2 > node.end) {
             return std::nullopt;
         }
-        std::uint16_t const unit = Word(block, key);
-        if (unit == 0) {
+        if (Word(block, node.keyEnd) == 0) {
             break;
         }
-        node.key += static_cast<char16_t>(unit);
     }
-    std::size_t const value = AlignUp(key + 2);
+    std::size_t const value = AlignUp(node.keyEnd + 2);
     std::size_t const valueEnd = value + (node.isText ? 2 * valueLength : valueLength);
     node.value = std::min(value, node.end);
     node.valueEnd = std::min(valueEnd, node.end);
@@ -81,9 +85,9 @@ void ConvertTexts(std::span<unsigned char> block, std::size_t rootEnd, Node cons
 {
     std::size_t const units = (node.valueEnd - node.value) / 2;
     if (node.isText && units > 0) {
-        std::u16string text;
+        Wide text;
         for (std::size_t i = 0; i < units; ++i) {
-            text += static_cast<char16_t>(Word(block.data(), node.value + 2 * i));
+            text += static_cast<WCHAR>(Word(block.data(), node.value + 2 * i));
         }
         auto* const converted = reinterpret_cast<char*>(&block[ConvertedText(rootEnd, node.value)]);
         ::WideCharToMultiByte(CP_ACP, 0, text.data(), static_cast<int>(units), converted,
@@ -102,22 +106,29 @@ void ConvertTexts(std::span<unsigned char> block, std::size_t rootEnd, Node cons
     }
 }
 
-constexpr char16_t FoldAscii(char16_t unit)
+constexpr WCHAR FoldAscii(WCHAR unit)
 {
-    return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + (u'a' - u'A')) : unit;
+    return unit >= 'A' && unit <= 'Z' ? static_cast<WCHAR>(unit + ('a' - 'A')) : unit;
 }
 
-bool IsSameKey(std::u16string_view left, std::u16string_view right)
+bool HasKey(unsigned char const* block, Node const& node, WideView key)
 {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](char16_t a, char16_t b) { return FoldAscii(a) == FoldAscii(b); });
+    if (node.keyEnd - node.key != 2 * key.size()) {
+        return false;
+    }
+    std::size_t at = node.key;
+    return std::all_of(key.begin(), key.end(), [&](WCHAR unit) {
+        bool const isSame = FoldAscii(static_cast<WCHAR>(Word(block, at))) == FoldAscii(unit);
+        at += 2;
+        return isSame;
+    });
 }
 
-std::optional<Node> FindChild(unsigned char const* block, Node const& node, std::u16string_view key)
+std::optional<Node> FindChild(unsigned char const* block, Node const& node, WideView key)
 {
     for (std::size_t at = node.children; at < node.end;) {
         std::optional<Node> child = ReadNode(block, at, node.end);
-        if (!child || IsSameKey(child->key, key)) {
+        if (!child || HasKey(block, *child, key)) {
             return child;
         }
         at = child->next;
@@ -125,10 +136,10 @@ std::optional<Node> FindChild(unsigned char const* block, Node const& node, std:
     return std::nullopt;
 }
 
-std::u16string ToUtf16(char const* text)
+Wide ToUtf16(char const* text)
 {
     int const size = ::MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
-    std::u16string wide(static_cast<std::size_t>(size), u'\0');
+    Wide wide(static_cast<std::size_t>(size), WCHAR{});
     ::MultiByteToWideChar(CP_ACP, 0, text, -1, wide.data(), size);
     wide.resize(wide.empty() ? 0 : wide.size() - 1);
     return wide;
@@ -159,15 +170,15 @@ bool QueryVersionBlock(unsigned char const* block, char const* path, void const*
 {
     size = 0;
     std::size_t const rootEnd = Word(block, 0);
-    std::u16string const names = ToUtf16(path);
-    std::u16string_view left = names;
+    Wide const names = ToUtf16(path);
+    WideView left = names;
     std::optional<Node> node = ReadNode(block, 0, rootEnd);
     for (int depth = 1; node; ++depth) {
-        left.remove_prefix(std::min(left.find_first_not_of(u'\\'), left.size()));
+        left.remove_prefix(std::min(left.find_first_not_of(Backslash), left.size()));
         if (left.empty()) {
             break;
         }
-        std::u16string_view const key = left.substr(0, left.find(u'\\'));
+        WideView const key = left.substr(0, left.find(Backslash));
         left.remove_prefix(key.size());
         node = depth < MaxDepth ? FindChild(block, *node, key) : std::nullopt;
     }
