@@ -1,13 +1,12 @@
 #include "quarn/text/string.h"
 
+#include "quarn/platform/formatter.h"
 #include "quarn/text/ascii.h"
 #include "quarn/text/format_estimate.h"
 
 #include <algorithm>
 #include <memory>
 #include <stdexcept>
-
-#include <stdio.h>
 
 namespace Quarn {
 
@@ -24,6 +23,34 @@ void CheckPosition(std::size_t pos, std::size_t size)
     if (pos > size) {
         ThrowBadPosition();
     }
+}
+
+// Formats into a buffer on the stack, or on the heap where that is too small, and from there into `target`,
+// which the format or an argument may be a part of.
+template<std::size_t stackSize>
+int FormatThrough(string& target, char const* format, std::va_list args)
+{
+    char stack[stackSize];
+    std::va_list attempt;
+    va_copy(attempt, args);
+    int result = detail::FormatBounded(stack, stackSize, format, attempt);
+    va_end(attempt);
+    if (result < 0) {
+        return result;
+    }
+    std::size_t const length = static_cast<std::size_t>(result);
+    if (length < stackSize) {
+        target.assign(stack);
+        return result;
+    }
+    std::unique_ptr<char[]> const heap(new char[length + 1]);
+    va_copy(attempt, args);
+    result = detail::FormatBounded(heap.get(), length + 1, format, attempt);
+    va_end(attempt);
+    if (result >= 0) {
+        target.assign(heap.get());
+    }
+    return result;
 }
 
 } // namespace
@@ -280,39 +307,13 @@ int string::Format(char const* format, ...)
 
 int string::FormatVar(char const* format, std::va_list args)
 {
-    constexpr std::size_t stackSize = 512;
-    // The estimate grows with the square of literal text. Up to this size it is taken at its word; above it,
-    // the text tells its own length first.
-    constexpr std::size_t largestTrusted = 16384;
-
-    std::uint64_t const estimate = EstimateVarLength(format, args);
-
-    char stack[stackSize];
-    std::unique_ptr<char[]> heap;
-    char* buffer = stack;
-    std::size_t capacity = stackSize;
-    if (estimate >= stackSize && estimate < largestTrusted) {
-        capacity = estimate + 1;
-        heap.reset(new char[capacity]);
-        buffer = heap.get();
-    }
-
-    std::va_list attempt;
-    va_copy(attempt, args);
-    int result = ::vsnprintf(buffer, capacity, format, attempt);
-    va_end(attempt);
-    if (result >= 0 && static_cast<std::size_t>(result) >= capacity) {
-        capacity = static_cast<std::size_t>(result) + 1;
-        heap.reset(new char[capacity]);
-        buffer = heap.get();
-        va_copy(attempt, args);
-        result = ::vsnprintf(buffer, capacity, format, attempt);
-        va_end(attempt);
-    }
-    if (result >= 0) {
-        assign(buffer);
-    }
-    return result;
+    // The estimate grows with the square of literal text, and can be too small for a rare conversion. So a
+    // large one takes no memory of its order, only a buffer that serves most texts, and a text that fits in
+    // neither has told its own length.
+    constexpr std::size_t usualSize = 512;
+    constexpr std::size_t largeSize = 4096;
+    return EstimateVarLength(format, args) < usualSize ? FormatThrough<usualSize>(*this, format, args)
+                                                       : FormatThrough<largeSize>(*this, format, args);
 }
 
 std::uint64_t string::EstimateVarLength(char const* format, std::va_list args)
