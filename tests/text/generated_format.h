@@ -11,6 +11,7 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <stdio.h>
@@ -64,6 +65,40 @@ public:
         return m_format;
     }
 
+    Argument Value(Argument::Kind kind)
+    {
+        Argument value;
+        value.kind = kind;
+        switch (kind) {
+        case Argument::Kind::Int:
+            value.i = static_cast<int>(Integer());
+            break;
+        case Argument::Kind::LongLong:
+            value.l = Integer();
+            break;
+        case Argument::Kind::Double:
+            value.d = Floating();
+            break;
+        case Argument::Kind::Text: {
+            unsigned const length = m_choose(6) == 0 ? m_choose(1500) : m_choose(20);
+            for (unsigned i = 0; i < length; ++i) {
+                value.text.push_back(Pick("abc%s\x01\x7f\xe4\xff"));
+            }
+            break;
+        }
+        }
+        return value;
+    }
+
+    // The value of a '*'.
+    Argument Star()
+    {
+        Argument argument;
+        int const magnitude = static_cast<int>(m_choose(8) == 0 ? m_choose(1500) : m_choose(24));
+        argument.i = m_choose(3) == 0 ? -magnitude : magnitude;
+        return argument;
+    }
+
 private:
     char Pick(std::string const& from) { return from[m_choose(static_cast<unsigned>(from.size()))]; }
 
@@ -87,10 +122,7 @@ private:
     void AddStar()
     {
         m_format.text.push_back('*');
-        Argument argument;
-        int const magnitude = static_cast<int>(m_choose(8) == 0 ? m_choose(1500) : m_choose(24));
-        argument.i = m_choose(3) == 0 ? -magnitude : magnitude;
-        m_format.arguments.push_back(argument);
+        m_format.arguments.push_back(Star());
     }
 
     void AddConversion()
@@ -98,14 +130,13 @@ private:
         if (!HasRoom()) {
             return;
         }
-        Argument value;
-        value.kind = static_cast<Argument::Kind>(m_choose(4));
+        auto const kind = static_cast<Argument::Kind>(m_choose(4));
         // A star must leave room for the value behind it.
         auto const starFits = [this] { return m_format.arguments.size() + 2 <= maxArguments; };
 
         m_format.text.push_back('%');
         for (unsigned i = m_choose(4); i > 1; --i) {
-            m_format.text.push_back(Pick(value.kind == Argument::Kind::Text ? "-" : "-+ #0"));
+            m_format.text.push_back(Pick(kind == Argument::Kind::Text ? "-" : "-+ #0"));
         }
         switch (m_choose(4)) {
         case 0:
@@ -128,14 +159,14 @@ private:
                 AddStar();
             }
         }
-        AddValue(value);
+        AddLetter(kind);
+        m_format.arguments.push_back(Value(kind));
     }
 
-    void AddValue(Argument& value)
+    void AddLetter(Argument::Kind kind)
     {
-        switch (value.kind) {
+        switch (kind) {
         case Argument::Kind::Int:
-            value.i = static_cast<int>(Integer());
             if (m_choose(6) == 0) {
                 m_format.text.push_back('c');
             } else {
@@ -144,23 +175,15 @@ private:
             }
             break;
         case Argument::Kind::LongLong:
-            value.l = Integer();
             m_format.text.append(m_choose(2) == 0 ? "ll" : "j").push_back(Pick("diouxX"));
             break;
         case Argument::Kind::Double:
-            value.d = Floating();
             m_format.text.append(m_choose(3) == 0 ? "l" : "").push_back(Pick("eEfFgGaA"));
             break;
-        case Argument::Kind::Text: {
-            unsigned const length = m_choose(6) == 0 ? m_choose(1500) : m_choose(20);
-            for (unsigned i = 0; i < length; ++i) {
-                value.text.push_back(Pick("abc%s\x01\x7f\xe4\xff"));
-            }
+        case Argument::Kind::Text:
             m_format.text.push_back('s');
             break;
         }
-        }
-        m_format.arguments.push_back(value);
     }
 
     long long Integer()
