@@ -224,7 +224,7 @@ TEST_F(XmlSavingInPlace, AMissingFileIsNotCreated)
     }));
 }
 
-TEST(XmlSavingOnPosix, AFileThatMayNotBeReadIsNotLost)
+TEST(XmlSavingOnPosix, AFileThatMayNotBeReadGetsASecondName)
 {
     Scratch const scratch;
     ASSERT_TRUE(Save(scratch / "a.xml", "old"));
@@ -234,10 +234,15 @@ TEST(XmlSavingOnPosix, AFileThatMayNotBeReadIsNotLost)
         GiveUpOverrides();
         PropertyCollection collection("Root", "Quarn_Properties");
         XMLPropPersist const file(scratch / "a.xml");
-        return !file.Populate(&collection) && !file.Persist(&collection);
+        return !file.Populate(&collection) && file.Persist(&collection);
     }));
-    ASSERT_EQ(::chmod((scratch / "a.xml").c_str(), 0600), 0);
-    EXPECT_EQ(ReadBytes(scratch / "a.xml"), old);
+    Names const names = scratch.Names();
+    ASSERT_EQ(names.size(), 2U);
+    EXPECT_EQ(Status(scratch / "a.xml").st_mode & 07777U, 0200U);
+    for (std::string const& name : names) {
+        ASSERT_EQ(::chmod((scratch / name).c_str(), 0600), 0);
+    }
+    EXPECT_EQ(ReadBytes(scratch / *names.rbegin()), old);
 }
 
 } // namespace
