@@ -23,7 +23,8 @@ file(COPY ${SOURCE}/ DESTINATION ${WORK}/client)
 
 run(${CMAKE_COMMAND} -S ${WORK}/client -B ${WORK}/build -G Ninja -DCMAKE_BUILD_TYPE=${TYPE}
   -DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN} -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_CXX_FLAGS=${FLAGS}
-  -DQuarnUtil_DIR=${prefix}/${LIBDIR}/cmake/QuarnUtil)
+  -DQuarnUtil_DIR=${prefix}/${LIBDIR}/cmake/QuarnUtil
+  -DREADME=${CMAKE_CURRENT_LIST_DIR}/../README.md)
 run(${CMAKE_COMMAND} --build ${WORK}/build)
 
 if(TOOLCHAIN)
