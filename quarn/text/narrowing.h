@@ -39,7 +39,8 @@ inline std::int32_t NarrowLong(long value) noexcept
     return low;
 }
 
-// The same for an unsigned number. One with all upper bits set, as a negative number becomes, is not reported.
+// The same for an unsigned number. One with all upper bits set, as a negative number becomes, is not
+// reported.
 inline std::uint32_t NarrowLong(unsigned long value) noexcept
 {
     return NarrowCount(value);
