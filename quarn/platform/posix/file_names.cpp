@@ -13,7 +13,7 @@ namespace Quarn::detail {
 
 namespace {
 
-constexpr std::size_t CopyStep = 64 * 1024;
+constexpr std::size_t CopyStep = std::size_t{64} * 1024;
 
 // Makes the names in the path's folder durable. A folder that this process may not read, or a file system
 // that has no such call, cannot be synced; only a device's refusal counts as a failure.

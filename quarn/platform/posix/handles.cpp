@@ -36,7 +36,7 @@ HANDLE AddHandle(std::shared_ptr<HandleObject> object)
     HandleTable& table = Table();
     std::lock_guard const guard(table.lock);
     table.last += 4;
-    HANDLE const handle = reinterpret_cast<HANDLE>(table.last);
+    auto* const handle = reinterpret_cast<HANDLE>(table.last);
     table.objects.emplace(handle, std::move(object));
     return handle;
 }

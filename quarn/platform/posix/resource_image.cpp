@@ -175,12 +175,13 @@ private:
         auto const optionalSize = m_image.Get<std::uint16_t>(header + 16);
         std::uint64_t const optional = header + 20;
         auto const magic = m_image.Get<std::uint16_t>(optional);
+        // NOLINTNEXTLINE(misc-redundant-expression): two different numbers
         if (!sections || !optionalSize || (magic != 0x10B && magic != 0x20B)) {
             return false;
         }
         std::uint64_t const directories = optional + (magic == 0x20B ? 112 : 96);
         auto const directoryCount = m_image.Get<std::uint32_t>(directories - 4);
-        auto const address = m_image.Get<std::uint32_t>(directories + 2 * 8);
+        auto const address = m_image.Get<std::uint32_t>(directories + 16);
         if (!directoryCount || *directoryCount <= 2 || !address || *address == 0) {
             return false;
         }

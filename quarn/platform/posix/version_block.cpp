@@ -81,6 +81,7 @@ std::size_t ConvertedText(std::size_t rootEnd, std::size_t value)
     return AlignUp(rootEnd) + value / 2 * 3;
 }
 
+// NOLINTNEXTLINE(misc-no-recursion): the depth is bounded
 void ConvertTexts(std::span<unsigned char> block, std::size_t rootEnd, Node const& node, int depth)
 {
     std::size_t const units = (node.valueEnd - node.value) / 2;
