@@ -39,23 +39,25 @@ std::string HomeFolder()
     return found != nullptr && found->pw_dir[0] == '/' ? found->pw_dir : "";
 }
 
-// The folder that the variable names, else the one under the home folder.
+bool IsFolder(std::string const& path)
+{
+    struct ::stat status;
+    return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+// The folder that the variable names, else the one under the home folder, which must exist: nobody makes
+// homes.
 std::string UserFolder(char const* variable, char const* underHome)
 {
     std::string folder = PathVariable(variable);
     if (folder.empty()) {
         folder = HomeFolder();
-        if (!folder.empty()) {
-            folder.append("/").append(underHome);
+        if (!IsFolder(folder)) {
+            return {};
         }
+        folder.append("/").append(underHome);
     }
     return folder;
-}
-
-bool IsFolder(std::string const& path)
-{
-    struct ::stat status;
-    return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
 // Makes the folder and its missing parents, for the user alone.

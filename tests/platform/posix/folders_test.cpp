@@ -118,6 +118,8 @@ TEST_F(PosixFolder, AFolderThatCannotBeThereIsAFailure)
     Environment const config("XDG_CONFIG_HOME", fs::absolute(m_folder.Make("file")).string() + "/c");
     EXPECT_EQ(Folder(CSIDL_PERSONAL), "");
     EXPECT_EQ(Folder(CSIDL_APPDATA), "");
+    EXPECT_EQ(Folder(CSIDL_LOCAL_APPDATA), "");
+    EXPECT_FALSE(fs::exists(m_home + "/none")) << "nobody makes homes";
 }
 
 TEST_F(PosixFolder, TheRootCanBeAHome)
