@@ -1,8 +1,9 @@
 // The readers of modules (Windows files, ELF modules with compiled resources) and of version blocks. The
 // first byte of the input says whether the rest is a module's file or a version resource by itself; the
 // committed seeds of modules begin with their own first letter.
-#include "quarn/platform/posix/resource_image.h"
 #include "quarn/platform/posix/version_block.h"
+
+#include "quarn/platform/posix/resource_image.h"
 
 #include <algorithm>
 #include <cstdlib>
