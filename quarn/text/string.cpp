@@ -38,7 +38,7 @@ int FormatThrough(string& target, char const* format, std::va_list args)
     if (result < 0) {
         return result;
     }
-    std::size_t const length = static_cast<std::size_t>(result);
+    auto const length = static_cast<std::size_t>(result);
     if (length < stackSize) {
         target.assign(stack);
         return result;

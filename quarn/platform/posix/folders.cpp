@@ -32,8 +32,7 @@ std::string HomeFolder()
     std::vector<char> buffer(1024);
     ::passwd entry;
     ::passwd* found = nullptr;
-    int error = 0;
-    while ((error = ::getpwuid_r(::geteuid(), &entry, buffer.data(), buffer.size(), &found)) == ERANGE) {
+    while (::getpwuid_r(::geteuid(), &entry, buffer.data(), buffer.size(), &found) == ERANGE) {
         buffer.resize(buffer.size() * 2);
     }
     return found != nullptr && found->pw_dir[0] == '/' ? found->pw_dir : "";
