@@ -20,7 +20,9 @@ class LockFile
 {
 public:
     LockFile() = default;
+    LockFile(LockFile const&) = delete;
     LockFile(LockFile&& other) noexcept;
+    LockFile& operator=(LockFile const&) = delete;
     LockFile& operator=(LockFile&& other) noexcept;
     ~LockFile();
 

@@ -113,7 +113,7 @@ DWORD Mutex::Wait(DWORD milliseconds)
     }
     std::shared_ptr<Mutex> const inherited = [&] { // an owner before a fork
         std::lock_guard const guard(all.lock);
-        std::shared_ptr<Mutex> const before = std::move(m_self);
+        std::shared_ptr<Mutex> before = std::move(m_self);
         m_held = std::move(file);
         m_owner = ThisThread();
         m_count = 1;

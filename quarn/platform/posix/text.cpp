@@ -96,7 +96,7 @@ int Convert(In const* text, int length, Out* buffer, int size, bool strict, bool
     // Negative: up to and with the terminator.
     std::size_t const count =
         length >= 0 ? static_cast<std::size_t>(length) : std::char_traits<In>::length(text) + 1;
-    std::size_t const room = static_cast<std::size_t>(size);
+    auto const room = static_cast<std::size_t>(size);
     std::size_t done = 0;
     for (std::size_t at = 0; at < count;) {
         Out units[4];
