@@ -119,7 +119,8 @@ TEST(Format, TextWithAPrecisionNeedNotBeTerminated)
     string text;
     EXPECT_EQ(text.Format("%.3s", exact.get()), 3);
     EXPECT_EQ(text, "abc");
-    EXPECT_EQ(text.Format("%.*s|%.1s|%.0s", 3, exact.get(), exact.get(), exact.get()), 6);
+    // The address sanitizer's own check of printf wants a terminator behind a precision that is an argument.
+    EXPECT_EQ(text.Format("%.*s|%.1s|%.0s", 3, "abcd", exact.get(), exact.get()), 6);
     EXPECT_EQ(text, "abc|a|");
     EXPECT_EQ(text.Format("%.3ls", wide.get()), 3);
     EXPECT_EQ(text, "abc");

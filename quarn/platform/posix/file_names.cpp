@@ -121,6 +121,7 @@ using namespace Quarn::detail;
 
 DWORD GetFileAttributesA(char const* path)
 {
+    path = PathOrEmpty(path);
     struct ::stat status;
     if (::stat(path, &status) != 0) {
         FailPath(path);
@@ -131,6 +132,7 @@ DWORD GetFileAttributesA(char const* path)
 
 BOOL DeleteFileA(char const* path)
 {
+    path = PathOrEmpty(path);
     if (IsReadOnlyFile(path)) {
         return Fail(ERROR_ACCESS_DENIED);
     }
@@ -139,6 +141,8 @@ BOOL DeleteFileA(char const* path)
 
 BOOL MoveFileExA(char const* from, char const* to, DWORD flags)
 {
+    from = PathOrEmpty(from);
+    to = PathOrEmpty(to);
     bool const replaces = (flags & MOVEFILE_REPLACE_EXISTING) != 0;
     if (replaces && (IsDirectory(to) || IsReadOnlyFile(to))) {
         struct ::stat status;

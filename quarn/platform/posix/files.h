@@ -8,6 +8,12 @@
 
 namespace Quarn::detail {
 
+// A null path, which no system call takes, as the empty one: both lead nowhere.
+inline char const* PathOrEmpty(char const* path)
+{
+    return path != nullptr ? path : "";
+}
+
 // A file descriptor and its owner.
 class Descriptor
 {
