@@ -119,8 +119,8 @@ TEST(Format, TextWithAPrecisionNeedNotBeTerminated)
     string text;
     EXPECT_EQ(text.Format("%.3s", exact.get()), 3);
     EXPECT_EQ(text, "abc");
-    // The address sanitizer's own check of printf wants a terminator behind a precision that is an argument.
-    EXPECT_EQ(text.Format("%.*s|%.1s|%.0s", 3, "abcd", exact.get(), exact.get()), 6);
+    // The address sanitizer's own check of printf takes a precision of 0 for none and wants a terminator.
+    EXPECT_EQ(text.Format("%.*s|%.1s|%.0s", 3, exact.get(), exact.get(), "abcd"), 6);
     EXPECT_EQ(text, "abc|a|");
     EXPECT_EQ(text.Format("%.3ls", wide.get()), 3);
     EXPECT_EQ(text, "abc");
