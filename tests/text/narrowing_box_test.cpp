@@ -64,7 +64,11 @@ void DismissBox(Box& box)
         box.text = text;
         box.owner = ::GetWindow(window, GW_OWNER);
         ::EnumChildWindows(window, NoteChild, reinterpret_cast<LPARAM>(&box));
-        ::PostMessageA(window, WM_COMMAND, IDOK, 0);
+        // A box that has only just appeared may miss the first press.
+        for (int press = 0; press < 600 && ::IsWindow(window); ++press) {
+            ::PostMessageA(window, WM_COMMAND, IDOK, 0);
+            ::Sleep(100);
+        }
     }
 }
 
