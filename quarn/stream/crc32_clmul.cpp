@@ -137,8 +137,8 @@ QUARN_CLMUL std::uint32_t UpdateByFolding(std::uint32_t reg, unsigned char const
 
 Crc32Function Crc32Folding()
 {
-    bool const available = __builtin_cpu_supports("pclmul") != 0 && __builtin_cpu_supports("avx") != 0;
-    return available ? UpdateByFolding : nullptr;
+    auto const multiplies = static_cast<bool>(__builtin_cpu_supports("pclmul"));
+    return multiplies && static_cast<bool>(__builtin_cpu_supports("avx")) ? UpdateByFolding : nullptr;
 }
 
 } // namespace Quarn::detail

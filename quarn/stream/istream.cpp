@@ -27,7 +27,8 @@ std::size_t TextLength(char const* text, std::size_t count)
 
 istream::istream(istream const& other) : m_compressor(other.m_compressor) {}
 
-istream& istream::operator=(istream const& other)
+// Assigning itself changes nothing.
+istream& istream::operator=(istream const& other) // NOLINT(bugprone-unhandled-self-assignment)
 {
     m_compressor = other.m_compressor;
     return *this;

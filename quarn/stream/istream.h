@@ -123,7 +123,7 @@ private:
     template<typename T>
     istream& Get(T& value)
     {
-        unsigned char* const bytes = reinterpret_cast<unsigned char*>(&value);
+        auto* const bytes = reinterpret_cast<unsigned char*>(&value);
         if (unsigned char const* const stored = Take(sizeof value)) {
             std::memcpy(bytes, stored, sizeof value);
         } else {

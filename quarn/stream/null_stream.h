@@ -14,7 +14,7 @@ namespace Quarn {
 class QUARN_API nullstream : public istream, public ostream
 {
 public:
-    nullstream() : istream(), ostream(false) {}
+    nullstream() : ostream(false) {}
     nullstream(nullstream const& other) = default;
     nullstream& operator=(nullstream const& other) = default;
     ~nullstream() override;

@@ -11,7 +11,8 @@ ostream::ostream(ostream const& other)
       m_compressor(other.m_compressor)
 {}
 
-ostream& ostream::operator=(ostream const& other)
+// Assigning itself changes nothing.
+ostream& ostream::operator=(ostream const& other) // NOLINT(bugprone-unhandled-self-assignment)
 {
     m_dumpMode = other.m_dumpMode;
     m_indent = other.m_indent;

@@ -40,8 +40,8 @@ bool FinalPath(string const& path, string& final)
     if (!file.IsOpen() || !TakePath(ask, final)) {
         return false;
     }
-    constexpr std::string_view kPrefix = "\\\\?\\";
-    constexpr std::string_view kSharePrefix = "\\\\?\\UNC\\";
+    constexpr std::string_view kPrefix = R"(\\?\)";
+    constexpr std::string_view kSharePrefix = R"(\\?\UNC\)";
     std::string_view rest = final;
     if (rest.size() < MAX_PATH && rest.substr(0, kPrefix.size()) == kPrefix) {
         bool const isShare = rest.substr(0, kSharePrefix.size()) == kSharePrefix;

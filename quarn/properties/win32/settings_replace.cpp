@@ -57,7 +57,7 @@ void RemoveTemporaries(SettingsPath const& path)
     }
     do {
         ::DeleteFileA((path.folder + found.cFileName).c_str());
-    } while (::FindNextFileA(search, &found));
+    } while (::FindNextFileA(search, &found) != FALSE);
     ::FindClose(search);
 }
 

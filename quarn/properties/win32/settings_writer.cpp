@@ -74,9 +74,9 @@ public:
     }
 
 private:
-    // The root element is level 0.
-    bool WriteKey(PropertyKey const& key,
-                  std::size_t level) // NOLINT(misc-no-recursion): the depth is bounded
+    // The root element is level 0. The depth is bounded.
+    // NOLINTNEXTLINE(misc-no-recursion)
+    bool WriteKey(PropertyKey const& key, std::size_t level)
     {
         if (level > kMaxTreeDepth) {
             return false;
@@ -177,8 +177,9 @@ private:
             }
             text = m_utf8;
         }
-        auto run = text.begin();
-        for (auto c = text.begin(); c != text.end(); ++c) {
+        char const* run = text.data();
+        char const* const end = run + text.size();
+        for (char const* c = run; c != end; ++c) {
             char const* const escape = escapes[static_cast<unsigned char>(*c)];
             if (escape == nullptr) {
                 return false;
@@ -192,7 +193,7 @@ private:
                 }
             }
         }
-        m_document.append(run, text.end());
+        m_document.append(run, end);
         return true;
     }
 

@@ -46,7 +46,7 @@ bool XMLPropPersist::Populate(PropertyCollection* collection) const
     return collection != nullptr && detail::LoadSettings(m_path, *collection, m_spoiled);
 }
 
-bool XMLPropPersist::Remove() const
+bool XMLPropPersist::Remove() const // NOLINT(readability-convert-member-functions-to-static)
 {
     return false;
 }
