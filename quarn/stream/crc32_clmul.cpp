@@ -8,6 +8,8 @@
 
 #if defined(__GNUC__) && defined(__x86_64__)
 
+#include <array>
+
 #include <immintrin.h>
 
 #define QUARN_CLMUL __attribute__((target("pclmul,avx")))
@@ -45,6 +47,11 @@ constexpr FoldPair FoldBy(unsigned bits)
 static_assert(FoldBy(512).low == 0x154442BD4 && FoldBy(512).high == 0x1C6E41596);
 static_assert(FoldBy(128).low == 0x1751997D0 && FoldBy(128).high == 0x0CCAA009E);
 
+// By a number of 16-byte blocks; none by 0.
+constexpr std::array<FoldPair, 9> foldByBlocks = {FoldPair{},      FoldBy(128),     FoldBy(128 * 2),
+                                                  FoldBy(128 * 3), FoldBy(128 * 4), FoldBy(128 * 5),
+                                                  FoldBy(128 * 6), FoldBy(128 * 7), FoldBy(128 * 8)};
+
 constexpr std::uint64_t foldTo64 = ReflectedPower(64);
 static_assert(foldTo64 == 0x163CD6124);
 constexpr std::uint64_t polynomial = 0x1DB710641; // P, reflected, 33 bits
@@ -70,7 +77,7 @@ QUARN_CLMUL inline __m128i Fold(__m128i sum, __m128i data, __m128i by)
 // Folds the 16-byte blocks of the rest into `sum`, reduces to 32 bits, and takes the last bytes by table.
 QUARN_CLMUL inline std::uint32_t Finish(__m128i sum, unsigned char const* data, std::size_t n)
 {
-    __m128i const by128 = Pair(FoldBy(128));
+    __m128i const by128 = Pair(foldByBlocks[1]);
     for (; n >= 16; n -= 16, data += 16) {
         sum = Fold(sum, Load(data), by128);
     }
@@ -100,20 +107,18 @@ QUARN_CLMUL inline __m128i FoldInStep(__m128i first, unsigned char const*& data,
     for (std::size_t i = 1; i < count; ++i) {
         sums[i] = Load(data + 16 * i);
     }
-    __m128i const byStride = Pair(FoldBy(8 * stride));
+    __m128i const byStride = Pair(foldByBlocks[count]);
     for (data += stride, n -= stride; n >= stride; n -= stride, data += stride) {
         for (std::size_t i = 0; i < count; ++i) {
             sums[i] = Fold(sums[i], Load(data + 16 * i), byStride);
         }
     }
-    if constexpr (count > 4) {
-        __m128i const by512 = Pair(FoldBy(512));
-        for (std::size_t i = 0; i < 4; ++i) {
-            sums[i] = Fold(sums[i], sums[i + 4], by512);
-        }
+    // Each straight to the place of the last one, so that no multiplication waits for another.
+    __m128i sum = sums[count - 1];
+    for (std::size_t i = 0; i + 1 < count; ++i) {
+        sum = Fold(sums[i], sum, Pair(foldByBlocks[count - 1 - i]));
     }
-    __m128i const by256 = Pair(FoldBy(256));
-    return Fold(Fold(sums[0], sums[2], by256), Fold(sums[1], sums[3], by256), Pair(FoldBy(128)));
+    return sum;
 }
 
 QUARN_CLMUL std::uint32_t UpdateByFolding(std::uint32_t reg, unsigned char const* data, std::size_t n)

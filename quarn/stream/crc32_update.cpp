@@ -1,6 +1,7 @@
 #include "quarn/stream/crc32_update.h"
 
 #include <array>
+#include <atomic>
 #include <bit>
 
 #include <string.h>
@@ -46,6 +47,19 @@ std::uint64_t LoadLittleEndian64(unsigned char const* p)
     return word;
 }
 
+std::uint32_t UpdateForTheFirstTime(std::uint32_t reg, unsigned char const* data, std::size_t n);
+
+// Any thread may find out; all find the same.
+constinit std::atomic<Crc32Function> g_best = UpdateForTheFirstTime;
+
+std::uint32_t UpdateForTheFirstTime(std::uint32_t reg, unsigned char const* data, std::size_t n)
+{
+    Crc32Function const folding = Crc32Folding();
+    Crc32Function const best = folding != nullptr ? folding : Crc32Sliced;
+    g_best.store(best, std::memory_order_relaxed);
+    return best(reg, data, n);
+}
+
 } // namespace
 
 std::uint32_t Crc32Step(std::uint32_t reg, unsigned char byte)
@@ -74,13 +88,9 @@ std::uint32_t Crc32Sliced(std::uint32_t reg, unsigned char const* data, std::siz
 
 std::uint32_t Crc32Update(std::uint32_t reg, unsigned char const* data, std::size_t n)
 {
-    // Below this the tables are as fast, and the look for the best path is saved.
+    // Below this the tables are as fast.
     constexpr std::size_t shortInput = 32;
-    if (n < shortInput) {
-        return Crc32Sliced(reg, data, n);
-    }
-    static Crc32Function const best = Crc32Folding() != nullptr ? Crc32Folding() : Crc32Sliced;
-    return best(reg, data, n);
+    return n < shortInput ? Crc32Sliced(reg, data, n) : g_best.load(std::memory_order_relaxed)(reg, data, n);
 }
 
 } // namespace Quarn::detail

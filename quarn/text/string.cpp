@@ -25,34 +25,6 @@ void CheckPosition(std::size_t pos, std::size_t size)
     }
 }
 
-// Formats into a buffer on the stack, or on the heap where that is too small, and from there into `target`,
-// which the format or an argument may be a part of.
-template<std::size_t stackSize>
-int FormatThrough(string& target, char const* format, std::va_list args)
-{
-    char stack[stackSize];
-    std::va_list attempt;
-    va_copy(attempt, args);
-    int result = detail::FormatBounded(stack, stackSize, format, attempt);
-    va_end(attempt);
-    if (result < 0) {
-        return result;
-    }
-    auto const length = static_cast<std::size_t>(result);
-    if (length < stackSize) {
-        target.assign(stack);
-        return result;
-    }
-    std::unique_ptr<char[]> const heap(new char[length + 1]);
-    va_copy(attempt, args);
-    result = detail::FormatBounded(heap.get(), length + 1, format, attempt);
-    va_end(attempt);
-    if (result >= 0) {
-        target.assign(heap.get());
-    }
-    return result;
-}
-
 } // namespace
 
 // Named once more, so that the library holds the constants for clients that take a reference to them.
@@ -305,15 +277,31 @@ int string::Format(char const* format, ...)
     return result;
 }
 
+// The text is made in a buffer of its own, for the format or an argument may be a part of this string.
 int string::FormatVar(char const* format, std::va_list args)
 {
-    // The estimate grows with the square of literal text, and can be too small for a rare conversion. So a
-    // large one takes no memory of its order, only a buffer that serves most texts, and a text that fits in
-    // neither has told its own length.
-    constexpr std::size_t usualSize = 512;
-    constexpr std::size_t largeSize = 4096;
-    return EstimateVarLength(format, args) < usualSize ? FormatThrough<usualSize>(*this, format, args)
-                                                       : FormatThrough<largeSize>(*this, format, args);
+    char usual[4096];
+    std::va_list attempt;
+    va_copy(attempt, args);
+    int result = detail::FormatBounded(usual, sizeof usual, format, attempt);
+    va_end(attempt);
+    auto const length = static_cast<std::size_t>(result);
+    if (result >= 0 && length < sizeof usual) {
+        assign(usual);
+        return result;
+    }
+    // Reports texts of more than 2147483647 characters. The C library has told the length better.
+    static_cast<void>(EstimateVarLength(format, args));
+    if (result >= 0) {
+        std::unique_ptr<char[]> const large(new char[length + 1]);
+        va_copy(attempt, args);
+        result = detail::FormatBounded(large.get(), length + 1, format, attempt);
+        va_end(attempt);
+        if (result >= 0) {
+            assign(large.get());
+        }
+    }
+    return result;
 }
 
 std::uint64_t string::EstimateVarLength(char const* format, std::va_list args)
