@@ -1,6 +1,6 @@
 // The length estimate behind string::Format: a walk over a printf-style format and its arguments that bounds
-// the characters which the common conversions produce. Format makes the text in a bounded buffer and asks only
-// for what fits in none; lengths above 2147483647 are reported here.
+// the characters which the common conversions produce. Format makes the text in a bounded buffer and asks
+// only for what fits in none; lengths above 2147483647 are reported here.
 //
 // Each literal character counts with the whole rest of the format (so a run of k characters counts
 // k + (k-1) + ... + 1), an integer conversion at least 32, a floating one at least 128, a text its length.
