@@ -96,12 +96,20 @@ constexpr DWORD ERROR_INVALID_NAME = 123;
 constexpr DWORD ERROR_MOD_NOT_FOUND = 126;
 constexpr DWORD ERROR_DIR_NOT_EMPTY = 145;
 constexpr DWORD ERROR_BAD_PATHNAME = 161;
+constexpr DWORD ERROR_BUSY = 170;
 constexpr DWORD ERROR_ALREADY_EXISTS = 183;
 constexpr DWORD ERROR_BAD_EXE_FORMAT = 193;
 constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
 constexpr DWORD ERROR_FILE_TOO_LARGE = 223;
+constexpr DWORD ERROR_MORE_DATA = 234;
+constexpr DWORD ERROR_NO_MORE_ITEMS = 259;
 constexpr DWORD ERROR_NOT_OWNER = 288;
+constexpr DWORD ERROR_NOACCESS = 998;
 constexpr DWORD ERROR_INVALID_FLAGS = 1004;
+constexpr DWORD ERROR_REGISTRY_CORRUPT = 1015;
+constexpr DWORD ERROR_REGISTRY_IO_FAILED = 1016;
+constexpr DWORD ERROR_NOT_REGISTRY_FILE = 1017;
+constexpr DWORD ERROR_KEY_DELETED = 1018;
 constexpr DWORD ERROR_NO_UNICODE_TRANSLATION = 1113;
 constexpr DWORD ERROR_IO_DEVICE = 1117;
 constexpr DWORD ERROR_TOO_MANY_LINKS = 1142;
@@ -319,6 +327,67 @@ inline char const* const IDC_WAIT = reinterpret_cast<char const*>(std::uintptr_t
 // There are no cursors: null.
 QUARN_API HCURSOR LoadCursorA(HINSTANCE module, char const* name);
 QUARN_API HCURSOR SetCursor(HCURSOR cursor);
+
+// ---- registry
+
+using BYTE = unsigned char;
+using LSTATUS = LONG;
+using REGSAM = DWORD;
+
+// The roots of the user and of the machine. HKEY_CLASSES_ROOT and HKEY_USERS are trees of their own, no views
+// of parts of the others.
+inline HKEY const HKEY_CLASSES_ROOT = reinterpret_cast<HKEY>(std::intptr_t{-0x80000000LL});
+inline HKEY const HKEY_CURRENT_USER = reinterpret_cast<HKEY>(std::intptr_t{-0x7FFFFFFFLL});
+inline HKEY const HKEY_LOCAL_MACHINE = reinterpret_cast<HKEY>(std::intptr_t{-0x7FFFFFFELL});
+inline HKEY const HKEY_USERS = reinterpret_cast<HKEY>(std::intptr_t{-0x7FFFFFFDLL});
+
+constexpr DWORD REG_NONE = 0;
+constexpr DWORD REG_SZ = 1;
+constexpr DWORD REG_EXPAND_SZ = 2;
+constexpr DWORD REG_BINARY = 3;
+constexpr DWORD REG_DWORD = 4;
+constexpr DWORD REG_MULTI_SZ = 7;
+constexpr DWORD REG_QWORD = 11;
+
+constexpr REGSAM KEY_QUERY_VALUE = 0x1;
+constexpr REGSAM KEY_SET_VALUE = 0x2;
+constexpr REGSAM KEY_CREATE_SUB_KEY = 0x4;
+constexpr REGSAM KEY_ENUMERATE_SUB_KEYS = 0x8;
+constexpr REGSAM KEY_READ = 0x20019;
+constexpr REGSAM KEY_WRITE = 0x20006;
+constexpr REGSAM KEY_ALL_ACCESS = 0xF003F;
+
+constexpr DWORD REG_OPTION_NON_VOLATILE = 0;
+constexpr DWORD REG_CREATED_NEW_KEY = 1;
+constexpr DWORD REG_OPENED_EXISTING_KEY = 2;
+
+// The user's keys are kept in $XDG_DATA_HOME/quarnutil/registry.db (~/.local/share when that is not set), the
+// machine's in registry.db in the folder of the common application data; where there is no such folder, in
+// machine.db beside the user's. A file is made by the first write. A machine's file that the user may not
+// write can be read. ERROR_BUSY: another process has kept the file locked for 30 s. A damaged file gives
+// ERROR_REGISTRY_CORRUPT or ERROR_NOT_REGISTRY_FILE and is left as it is.
+//
+// Names are UTF-8; other bytes are taken as they are. Key names have up to 255, value names up to 16,383
+// UTF-16 units, and there are up to 512 levels of keys (ERROR_INVALID_PARAMETER beyond). Sub-keys
+// enumerate in the order of their upper-case names, values in the order of their creation. Keys keep no
+// class, no time and no security; every option but REG_OPTION_NON_VOLATILE is refused. A text that is stored
+// without its terminator gets one.
+QUARN_API LSTATUS RegOpenKeyExA(HKEY key, char const* subKey, DWORD options, REGSAM access, HKEY* result);
+QUARN_API LSTATUS RegCreateKeyExA(HKEY key, char const* subKey, DWORD reserved, char* className,
+                                  DWORD options, REGSAM access, _SECURITY_ATTRIBUTES const* security,
+                                  HKEY* result, DWORD* disposition);
+QUARN_API LSTATUS RegCloseKey(HKEY key);
+QUARN_API LSTATUS RegDeleteKeyA(HKEY key, char const* subKey);
+QUARN_API LSTATUS RegEnumKeyExA(HKEY key, DWORD index, char* name, DWORD* nameSize, DWORD* reserved,
+                                char* className, DWORD* classSize, FILETIME* lastWritten);
+
+QUARN_API LSTATUS RegQueryValueExA(HKEY key, char const* name, DWORD* reserved, DWORD* type, BYTE* data,
+                                   DWORD* size);
+QUARN_API LSTATUS RegSetValueExA(HKEY key, char const* name, DWORD reserved, DWORD type, BYTE const* data,
+                                 DWORD size);
+QUARN_API LSTATUS RegDeleteValueA(HKEY key, char const* name);
+QUARN_API LSTATUS RegEnumValueA(HKEY key, DWORD index, char* name, DWORD* nameSize, DWORD* reserved,
+                                DWORD* type, BYTE* data, DWORD* dataSize);
 
 // ---- messages
 
