@@ -164,7 +164,7 @@ TEST(RegistryEnum, EveryValueIsListedOnce)
     std::vector<string> names = {""};
     ASSERT_EQ(SetText(key, "", "default"), 0);
     for (int i = 0; i < 100; ++i) {
-        names.push_back("v" + std::to_string(i * 37 % 100));
+        names.push_back(Numbered("v", i * 37 % 100));
         ASSERT_EQ(SetText(key, names.back().c_str(), "text"), 0);
     }
     ASSERT_EQ(SetText(key, "V5", "again"), 0);
@@ -202,7 +202,7 @@ TEST(RegistryEnum, DeletingBehindTheIndexSkipsNothing)
 {
     ThrowAwayKey const key;
     for (int i = 0; i < 10; ++i) {
-        ASSERT_EQ(MakeKey(key, "k" + std::to_string(i)), 0);
+        ASSERT_EQ(MakeKey(key, Numbered("k", i)), 0);
     }
     // From the last to the first, as a program does that deletes while it enumerates.
     for (unsigned long index = 10; index-- > 0;) {

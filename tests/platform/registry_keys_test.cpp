@@ -174,7 +174,8 @@ TEST(RegistryKeys, NullClosedAndInventedHandlesAreRefused)
 
 TEST(RegistryKeys, AHandleOfAnotherKindIsNoKey)
 {
-    HANDLE const mutex = ::CreateMutexA(nullptr, FALSE, nullptr);
+    std::string const name = Numbered("quarn-registry-test-", static_cast<int>(::GetCurrentProcessId()));
+    HANDLE const mutex = ::CreateMutexA(nullptr, FALSE, name.c_str());
     ASSERT_NE(mutex, nullptr);
     HKEY const bad = static_cast<HKEY>(mutex);
     HKEY result = nullptr;

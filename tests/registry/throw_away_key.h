@@ -8,6 +8,12 @@
 #include <string>
 #include <vector>
 
+// "v7" and the like.
+inline std::string Numbered(std::string prefix, int number)
+{
+    return prefix.append(std::to_string(number));
+}
+
 // The names of a key's sub-keys or values, in the order of their enumeration.
 inline std::vector<std::string> SubKeyNames(HKEY key)
 {
@@ -58,8 +64,9 @@ public:
     explicit ThrowAwayKey(HKEY root = HKEY_CURRENT_USER) : m_root(root)
     {
         static std::atomic<int> count = 0;
-        m_path = "Software\\QuarnUtilTest." + std::to_string(::GetCurrentProcessId()) + "." +
-                 std::to_string(++count);
+        m_path = "Software\\QuarnUtilTest.";
+        m_path.append(std::to_string(::GetCurrentProcessId())).append(".");
+        m_path = Numbered(m_path, ++count);
         ::RegCreateKeyExA(m_root, m_path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS,
                           nullptr, &m_key, nullptr);
     }

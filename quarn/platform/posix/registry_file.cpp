@@ -222,15 +222,18 @@ RegistryFile::~RegistryFile()
 bool RegistryFile::Prepare(RegistryJournal journal)
 {
     Execute("PRAGMA trusted_schema = OFF");
+    // One view of the file, whatever another process is making of it.
+    Execute("BEGIN");
     std::int64_t const id = Ask("PRAGMA application_id");
-    bool const isNew =
-        id == 0 && Ask("PRAGMA user_version") == 0 && Ask("SELECT count(*) FROM sqlite_schema") == 0;
+    std::int64_t const version = Ask("PRAGMA user_version");
+    bool const isNew = id == 0 && version == 0 && Ask("SELECT count(*) FROM sqlite_schema") == 0;
+    Execute("COMMIT");
     if (isNew && !IsWritable()) {
         return false;
     }
     if (isNew) {
         MakeTables();
-    } else if (id != ApplicationId || Ask("PRAGMA user_version") != FormatVersion) {
+    } else if (id != ApplicationId || version != FormatVersion) {
         throw RegistryFailure{ERROR_NOT_REGISTRY_FILE};
     }
     if (journal == RegistryJournal::Rollback) {

@@ -1,0 +1,197 @@
+// Registry files that are damaged, foreign, missing or not to be written.
+#include "tests/platform/posix/registry_child.h"
+
+#include <fstream>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr char const* Path = "Software\\QuarnUtilTest";
+
+void Write(std::filesystem::path const& file, std::string const& content)
+{
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file, std::ios_base::binary) << content;
+}
+
+// A registry with a thousand values.
+int Fill()
+{
+    HKEY key = nullptr;
+    long code = CreateKey(HKEY_CURRENT_USER, Path, key);
+    for (int i = 0; code == 0 && i < 1000; ++i) {
+        std::string const name = Numbered("v", i);
+        code = SetText(key, name.c_str(), name);
+    }
+    std::exit(static_cast<int>(code));
+    return 0;
+}
+
+// Every function once: none may crash or hang.
+int UseAll()
+{
+    HKEY key = nullptr;
+    if (CreateKey(HKEY_CURRENT_USER, Path, key) == 0) {
+        ValueNames(key);
+        SubKeyNames(key);
+        CountNumbered(key, "v", 1000);
+        MakeKey(key, "new\\key");
+        for (int i = 0; i < 100; ++i) {
+            SetText(key, Numbered("w", i).c_str(), std::string(1000, 'w'));
+        }
+        for (int i = 0; i < 100; ++i) {
+            ::RegDeleteValueA(key, Numbered("v", i).c_str());
+        }
+        ::RegDeleteKeyA(key, "new\\key");
+    }
+    SubKeyNames(HKEY_CURRENT_USER);
+    return 0;
+}
+
+TEST(RegistryDamage, AForeignFileIsRefusedAndLeftAsItIs)
+{
+    for (std::string const& content :
+         {std::string("no data base"), std::string(100000, 'x'), std::string(100, '\0')}) {
+        RegistryFolder const folder;
+        Write(folder.UserFile(), content);
+        EXPECT_EQ(folder.Run([] {
+            HKEY key = nullptr;
+            bool const refused = CreateKey(HKEY_CURRENT_USER, Path, key) == 1017 &&
+                                 OpenKey(HKEY_CURRENT_USER, Path, key) == 1017 &&
+                                 Query(HKEY_CURRENT_USER, "v", 10).code == 1017 &&
+                                 SetText(HKEY_CURRENT_USER, "v", "text") == 1017 &&
+                                 ::RegDeleteValueA(HKEY_CURRENT_USER, "v") == 1017 &&
+                                 ::RegDeleteKeyA(HKEY_CURRENT_USER, Path) == 1017;
+            return refused && UseAll() == 0;
+        }),
+                  1);
+        EXPECT_EQ(ContentOf(folder.UserFile()), content);
+    }
+}
+
+TEST(RegistryDamage, DamagedBytesGiveCodesAndNoCrash)
+{
+    RegistryFolder const folder;
+    ASSERT_EQ(folder.Run(Fill), 0);
+    std::string const whole = ContentOf(folder.UserFile());
+    ASSERT_GT(whole.size(), 20000u);
+    unsigned random = 12345;
+    auto const next = [&random] { return random = random * 1664525 + 1013904223; };
+    for (int round = 0; round < 30; ++round) {
+        std::string damaged = whole;
+        if (round % 3 == 0) {
+            damaged.resize(next() % damaged.size());
+        } else {
+            for (unsigned i = 0, count = 1 + next() % 200; i < count; ++i) {
+                damaged[next() % damaged.size()] = static_cast<char>(next() >> 24);
+            }
+        }
+        Write(folder.UserFile(), damaged);
+        for (char const* const suffix : {"-wal", "-shm"}) {
+            std::filesystem::remove(folder.UserFile().string() + suffix);
+        }
+        EXPECT_EQ(folder.Run(UseAll), 0) << round;
+    }
+}
+
+TEST(RegistryDamage, AFileOfALaterVersionIsRefused)
+{
+    RegistryFolder const folder;
+    ASSERT_EQ(folder.Run(Fill), 0);
+    std::string content = ContentOf(folder.UserFile());
+    content[63] = 2; // the user version of the file's header
+    Write(folder.UserFile(), content);
+    EXPECT_EQ(folder.Run([] { return TryOpen(HKEY_CURRENT_USER, Path) == 1017; }), 1);
+    EXPECT_EQ(ContentOf(folder.UserFile()), content);
+}
+
+TEST(RegistryDamage, AFolderInTheFilesPlaceGivesACode)
+{
+    RegistryFolder const folder;
+    std::filesystem::create_directories(folder.UserFile() / "not empty");
+    EXPECT_EQ(folder.Run([] {
+        HKEY key = nullptr;
+        return CreateKey(HKEY_CURRENT_USER, Path, key) == 5 && Query(HKEY_CURRENT_USER, "v", 4).code == 5;
+    }),
+              1);
+    EXPECT_TRUE(std::filesystem::exists(folder.UserFile() / "not empty"));
+}
+
+TEST(RegistryDamage, AFileInTheFoldersPlaceGivesACode)
+{
+    RegistryFolder const folder;
+    Write(folder.UserFile().parent_path(), "content");
+    EXPECT_EQ(folder.Run([] {
+        HKEY key = nullptr;
+        return CreateKey(HKEY_CURRENT_USER, Path, key) == 3;
+    }),
+              1);
+    EXPECT_EQ(ContentOf(folder.UserFile().parent_path()), "content");
+}
+
+TEST(RegistryDamage, ReadingMakesNoFile)
+{
+    RegistryFolder const folder;
+    EXPECT_EQ(folder.Run([] {
+        return TryOpen(HKEY_CURRENT_USER, Path) == 2 && TryOpen(HKEY_LOCAL_MACHINE, Path) == 2 &&
+               Query(HKEY_LOCAL_MACHINE, "v", 4).code == 2 && SubKeyNames(HKEY_CURRENT_USER).empty() &&
+               ValueNames(HKEY_LOCAL_MACHINE).empty() && TryOpen(HKEY_LOCAL_MACHINE, "") == 0 &&
+               ::RegDeleteValueA(HKEY_CURRENT_USER, "v") == 2 &&
+               ::RegDeleteKeyA(HKEY_CURRENT_USER, Path) == 2;
+    }),
+              1);
+    EXPECT_FALSE(std::filesystem::exists(folder.UserFile()));
+    EXPECT_FALSE(std::filesystem::exists(folder.UserFile().parent_path() / "machine.db"));
+}
+
+TEST(RegistryDamage, AnEmptyFileIsANewRegistry)
+{
+    RegistryFolder const folder;
+    Write(folder.UserFile(), "");
+    EXPECT_EQ(folder.Run([] { return MakeKey(HKEY_CURRENT_USER, Path); }), 0);
+}
+
+TEST(RegistryDamage, AReadOnlyFileCanBeReadAndNotWritten)
+{
+    for (bool const isMachine : {false, true}) {
+        RegistryFolder const folder;
+        HKEY const root = isMachine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
+        std::filesystem::path const file = isMachine ? folder.MachineFile() : folder.UserFile();
+        std::filesystem::create_directory(folder.MachineFolder());
+        ASSERT_EQ(folder.Run([&] {
+            HKEY key = nullptr;
+            CreateKey(root, Path, key);
+            std::exit(static_cast<int>(SetText(key, "v", "text")));
+            return 0;
+        }),
+                  0);
+        MakeReadOnly(file.string());
+        std::string const content = ContentOf(file);
+        EXPECT_EQ(folder.Run([&] {
+            HKEY key = nullptr;
+            return OpenKey(root, Path, key, KEY_READ) == 0 && DataOf(key, "v") == std::string("text\0", 5) &&
+                   ValueNames(key).size() == 1 && TryOpen(root, Path, KEY_WRITE) == 5 &&
+                   CreateKey(root, "new", key) == 5 && SetText(root, "v", "text") == 5 &&
+                   ::RegDeleteKeyA(root, Path) == 5;
+        }),
+                  1);
+        EXPECT_EQ(ContentOf(file), content);
+    }
+}
+
+TEST(RegistryDamage, TheMachinesFileIsForEverybodyToRead)
+{
+    RegistryFolder const folder;
+    std::filesystem::create_directory(folder.MachineFolder());
+    ASSERT_EQ(folder.Run([] {
+        ::umask(077);
+        return MakeKey(HKEY_LOCAL_MACHINE, Path);
+    }),
+              0);
+    using std::filesystem::perms;
+    EXPECT_EQ(std::filesystem::status(folder.MachineFile()).permissions(),
+              perms::owner_read | perms::owner_write | perms::group_read | perms::others_read);
+}
+
+} // namespace
