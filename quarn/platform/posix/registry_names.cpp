@@ -1,7 +1,6 @@
 #include "quarn/platform/posix/registry_names.h"
 
 #include "quarn/platform/posix/registry_failure.h"
-#include "quarn/text/ascii.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -44,6 +43,11 @@ constexpr LowerRange LowerRanges[] = {
     {0x2170, 0x217F, 1, -16},  {0x24D0, 0x24E9, 1, -26},  {0x2D00, 0x2D25, 1, -7264},
     {0xFF41, 0xFF5A, 1, -32},
 };
+
+char UpperAscii(char c)
+{
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
+}
 
 char16_t Upper(char16_t unit)
 {
