@@ -57,6 +57,33 @@ public:
     void SetValue(string const& text);
     void SetValue(long number);
 
+    // Several items in one text, each followed by a comma. The format has one letter per item; the arguments
+    // are the items for Writef and pointers to them for Readf:
+    //
+    //   D, L   unsigned 32-bit integer (`unsigned int`, whatever the width of long)   decimal
+    //   i      int                                                                    decimal
+    //   b      bool                                               0 or 1; any number but 0 reads true
+    //   d      double                                             six decimals, of the number as a float
+    //   f      float; Writef takes a pointer to it too            six decimals
+    //   T      64-bit integer                                     its high half, a colon, its low half
+    //   v      64-bit integer                                     its low half, a colon, its high half
+    //   t      string; Writef takes a pointer to it too           in double quotes, inner quotes as they are
+    //   space  nothing
+    //
+    //   value.Writef("iit", 1, 2, &name);
+    //   value.Readf("iit", &left, &top, &name);
+
+    // Stores the record as a text, as SetValue does; true. A text that is the first item gets a comma before
+    // it. A character of the format that is no letter takes no argument and repeats the item before it.
+    bool Writef(char const* format, ...);
+    // Reads the items from the value's text form. False when the text has no field left for an item; the
+    // arguments of that item and of those that follow are left alone. A field without a number is 0, integers
+    // count modulo 2^32, a last field without its comma serves all further items. Texts are appended to their
+    // strings; in a text a backslash before a double quote stands for the quote, unless the text begins like
+    // a path with a drive (C:\). A text that is not the first item ends at a comma; one whose closing quote is
+    // missing is read as far as it goes. Any other character of the format skips a field.
+    bool Readf(char const* format, ...) const;
+
     // Marks the value as changed, and with it its key and the keys above. A value that is already dirty does
     // nothing.
     void SetDirty();

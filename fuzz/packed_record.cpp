@@ -1,0 +1,160 @@
+// The reader of packed records, with both ways of reading texts, beside one that follows the language step by
+// step on strings of its own.
+//
+// Input: a format, a line feed, a record.
+#include "quarn/text/packed_record.h"
+
+#include "quarn/text/number_text.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+
+namespace {
+
+using Quarn::string;
+using Quarn::detail::AsciiToLong;
+using Quarn::detail::DrivePaths;
+
+constexpr std::size_t MaxItems = 8;
+
+struct Items
+{
+    std::array<std::uint64_t, MaxItems> numbers{};
+    std::array<string, MaxItems> texts;
+    bool complete = false;
+};
+
+bool TakesArgument(char letter)
+{
+    return std::strchr("DLibdfTvt", letter) != nullptr && letter != '\0';
+}
+
+bool Read(string const& record, DrivePaths drivePaths, char const* format, ...)
+{
+    std::va_list args;
+    va_start(args, format);
+    bool const complete = Quarn::detail::ReadPackedRecord(record, drivePaths, format, args);
+    va_end(args);
+    return complete;
+}
+
+Items ReadItems(string const& record, DrivePaths drivePaths, string const& format)
+{
+    Items items;
+    std::array<void*, MaxItems> targets{};
+    std::size_t count = 0;
+    for (char const letter : format) {
+        if (TakesArgument(letter)) {
+            targets[count] = letter == 't' ? static_cast<void*>(&items.texts[count]) : &items.numbers[count];
+            ++count;
+        }
+    }
+    items.complete = Read(record, drivePaths, format.c_str(), targets[0], targets[1], targets[2], targets[3],
+                          targets[4], targets[5], targets[6], targets[7]);
+    return items;
+}
+
+void ParseText(string& source, DrivePaths drivePaths, string& target)
+{
+    source.ClipTo('"');
+    bool const isPath =
+        drivePaths == DrivePaths::Literal && source.size() > 2 && source[1] == ':' && source[2] == '\\';
+    string rest = source;
+    while (!rest.empty()) {
+        char c = rest[0];
+        rest.erase(0, 1);
+        if (c == '"') {
+            rest.ClipTo(',');
+            source = rest;
+            return;
+        }
+        if (c == '\\' && !isPath && !rest.empty() && rest[0] == '"') {
+            c = '"';
+            rest.erase(0, 1);
+        }
+        target.append(c);
+    }
+}
+
+// The integers and texts alone; how decimal numbers are read is another reader's business.
+Items Expected(string record, DrivePaths drivePaths, string const& format)
+{
+    Items items;
+    std::size_t count = 0;
+    string field = record.ClipTo(',');
+    for (std::size_t i = 0; i < format.size(); ++i) {
+        if (field.empty() && i != 0) {
+            return items;
+        }
+        char const letter = format[i];
+        if (letter == ' ') {
+            continue;
+        }
+        std::uint64_t& number = items.numbers[count];
+        if (letter == 'D' || letter == 'L' || letter == 'i') {
+            number = static_cast<std::uint32_t>(AsciiToLong(field));
+        } else if (letter == 'b') {
+            number = AsciiToLong(field) != 0 ? 1 : 0;
+        } else if (letter == 'T' || letter == 'v') {
+            auto const first = static_cast<std::uint32_t>(AsciiToLong(field.ClipTo(':')));
+            auto const second = static_cast<std::uint32_t>(AsciiToLong(field.ClipTo(':')));
+            number =
+                letter == 'T' ? std::uint64_t{first} << 32 | second : std::uint64_t{second} << 32 | first;
+        } else if (letter == 't') {
+            ParseText(i == 0 ? record : field, drivePaths, items.texts[count]);
+        }
+        count += TakesArgument(letter) ? 1 : 0;
+        field = record.ClipTo(',');
+    }
+    items.complete = true;
+    return items;
+}
+
+void Check(bool holds, char const* what)
+{
+    if (!holds) {
+        std::fputs(what, stderr);
+        std::abort();
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
+{
+    std::string_view const input(reinterpret_cast<char const*>(data), size);
+    std::size_t const end = input.find('\n');
+    if (end == input.npos || size > 4096) {
+        return 0;
+    }
+    string format;
+    std::size_t count = 0;
+    for (char const letter : input.substr(0, end)) {
+        count += TakesArgument(letter) ? 1 : 0;
+        if (letter == '\0' || count > MaxItems) {
+            break;
+        }
+        format.append(letter);
+    }
+    string const record{std::string(input.substr(end + 1))};
+    for (DrivePaths const drivePaths : {DrivePaths::Escaped, DrivePaths::Literal}) {
+        Items const found = ReadItems(record, drivePaths, format);
+        Items const expected = Expected(record, drivePaths, format);
+        Check(found.complete == expected.complete, "another result\n");
+        Check(found.texts == expected.texts, "other texts\n");
+        std::size_t item = 0;
+        for (char const letter : format) {
+            if (TakesArgument(letter)) {
+                bool const isDecimal = letter == 'd' || letter == 'f';
+                Check(isDecimal || found.numbers[item] == expected.numbers[item], "another number\n");
+                ++item;
+            }
+        }
+    }
+    return 0;
+}
