@@ -104,15 +104,20 @@ TYPED_TEST(RecordWriting, AnUnknownLetterDeliberatelyRepeatsTheItemBeforeIt)
 
 TYPED_TEST(RecordWriting, TheDecimalPointIsAPointInEveryLocale)
 {
-    for (char const* const locale : {"de_DE.UTF-8", "de_DE", "German_Germany.1252", "fr_FR.UTF-8"}) {
-        std::setlocale(LC_ALL, locale);
-        EXPECT_TRUE(this->m_place.Writef("d", 1234.5));
-        double number = 0;
-        EXPECT_TRUE(this->m_place.Readf("d", &number));
-        std::setlocale(LC_ALL, "C");
-        EXPECT_EQ(this->m_place.Stored(), "1234.500000,");
-        EXPECT_EQ(number, 1234.5);
-    }
+    std::setlocale(LC_ALL, QUARN_GERMAN_LOCALE);
+    std::string const point = std::localeconv()->decimal_point;
+    EXPECT_TRUE(this->m_place.Writef("d", 1234.5));
+    double number = 0;
+    EXPECT_TRUE(this->m_place.Readf("d", &number));
+    double huge = 0;
+    this->m_place.Store("1.5e999");
+    EXPECT_TRUE(this->m_place.Readf("d", &huge));
+    EXPECT_TRUE(this->m_place.Writef("d", 1234.5));
+    std::setlocale(LC_ALL, "C");
+    EXPECT_EQ(point, ","); // the locale is there
+    EXPECT_EQ(this->m_place.Stored(), "1234.500000,");
+    EXPECT_EQ(number, 1234.5);
+    EXPECT_EQ(huge, std::numeric_limits<double>::infinity());
 }
 
 TYPED_TEST(RecordWriting, ALongTextIsKeptWhole)
