@@ -80,8 +80,8 @@ public:
     // arguments of that item and of those that follow are left alone. A field without a number is 0, integers
     // count modulo 2^32, a last field without its comma serves all further items. Texts are appended to their
     // strings; in a text a backslash before a double quote stands for the quote, unless the text begins like
-    // a path with a drive (C:\). A text that is not the first item ends at a comma; one whose closing quote is
-    // missing is read as far as it goes. Any other character of the format skips a field.
+    // a path with a drive (C:\). A text that is not the first item ends at a comma; one whose closing quote
+    // is missing is read as far as it goes. Any other character of the format skips a field.
     bool Readf(char const* format, ...) const;
 
     // Marks the value as changed, and with it its key and the keys above. A value that is already dirty does

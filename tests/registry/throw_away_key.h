@@ -67,6 +67,7 @@ public:
         m_path = "Software\\QuarnUtilTest.";
         m_path.append(std::to_string(::GetCurrentProcessId())).append(".");
         m_path = Numbered(m_path, ++count);
+        RemoveTree(m_root, m_path.c_str()); // of a process with the same number that came to no good end
         ::RegCreateKeyExA(m_root, m_path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS,
                           nullptr, &m_key, nullptr);
     }

@@ -5,6 +5,7 @@
 #include "tests/platform/scratch_folder.h"
 #include "tests/registry/throw_away_key.h"
 
+#include <cstdio>
 #include <filesystem>
 
 #include <stdlib.h>
@@ -26,6 +27,7 @@ public:
     template<typename Work>
     pid_t Start(Work&& work) const
     {
+        std::fflush(nullptr); // a child that ends by exit would write the parent's text again
         pid_t const child = ::fork();
         if (child == 0) {
             ::setenv("XDG_DATA_HOME", m_path.c_str(), 1);
