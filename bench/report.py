@@ -40,7 +40,7 @@ def machine():
 
 
 def versions():
-    packages = ["g++", "zlib1g-dev", "libdeflate-dev", "libxerces-c-dev", "libsqlite3-dev", "libbenchmark-dev"]
+    packages = ["g++", "zlib1g-dev", "libdeflate-dev", "libxerces-c-dev", "libsqlite3-dev", "libbenchmark-dev", "libsqlite3-dev", "qtbase5-dev"]
     found = []
     for package in packages:
         version = os.popen(f"dpkg-query -W -f='${{Version}}' {package} 2>/dev/null").read().strip()
