@@ -4,6 +4,10 @@
 #include <exception>
 #include <stdexcept>
 
+#include <quarn/platform/module.h>
+#include <quarn/platform/resource_strings.h>
+#include <quarn/platform/version_info.h>
+#include <quarn/registry/registry_key.h>
 #include <quarn/stream/header_block.h>
 #include <quarn/stream/memory_stream.h>
 #include <quarn/stream/stream_exception.h>
@@ -74,5 +78,14 @@ int main()
     Check(CaughtAs<std::runtime_error>(), "the refusal is caught as std::runtime_error");
     Check(CaughtAs<std::exception>(), "the refusal is caught as std::exception");
     Check(IsCaughtByNoSibling(), "the refusal is not caught as StreamVersionException");
+
+    Check(Win32Quarn::LoadQuarnString(114, QuarnUtil::GetLibraryInstance()) == "unknown",
+          "the library has its texts");
+#if defined(CLIENT_HAS_RESOURCES)
+    Check(Win32Quarn::LoadQuarnString(7, nullptr) == "seven", "the client has its texts");
+    Check(Win32Quarn::CVersionInfo().GetProductName() == "Client", "the client has its version block");
+    Check(Win32Quarn::UserKey("Acme").GetPath("") == "Software\\Acme\\Client",
+          "the client has its registry key");
+#endif
     return failures == 0 ? 0 : 1;
 }
