@@ -53,6 +53,7 @@ bool RegistryKey::Rename(Quarn::string const& newPath)
     return destination.Open(Quarn::string()) && Copy(destination, true);
 }
 
+// NOLINTNEXTLINE(misc-no-recursion): the registry's own depth is bounded
 bool RegistryKey::Copy(RegistryKey& destination, bool move)
 {
     if ((!IsOpen() && !Open(Quarn::string())) ||

@@ -80,8 +80,9 @@ public:
     // itself; no sub-key is made there. Keys that are closed are opened with all rights. With `move` the
     // values, the keys below and in the end this key are deleted, and the result is true. Without, the
     // result is deliberately always false, also when all was copied, and of several sub-keys the first alone
-    // is copied. A value with a name of 512 bytes or more or with data of more than 7,680 bytes ends the
-    // copying of its key's values, and is lost with the later ones when the key is then deleted.
+    // is copied. A value with a name of 512 bytes or more or with data of more than 7,680 bytes, or one that
+    // cannot be written, ends the copying of its key's values, and is lost with the later ones when the key
+    // is then deleted.
     // A delete that fails ends a move with false, and leaves this key. A destination that is this key by
     // handle, base or path, or lies below it by its path, is refused for a move like a new path of Rename.
     bool Copy(RegistryKey& destination, bool move);

@@ -23,8 +23,6 @@ Quarn::string TextOf(unsigned char const* bytes, unsigned long size)
 
 RegistryValue::RegistryValue(RegistryKey& key, Quarn::string const& name) : m_key(key), m_name(name) {}
 
-RegistryValue::RegistryValue(RegistryValue const& other) = default;
-
 void RegistryValue::SetName(Quarn::string const& name)
 {
     m_name = name;

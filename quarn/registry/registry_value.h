@@ -3,7 +3,7 @@
 //
 // A value refers to its key, which must live as long, and be open when the value is read or written. Errors
 // are the key's: a call that fails leaves its code in RegistryKey::GetLastError. Nothing throws but
-// std::bad_alloc. A value belongs to one thread at a time.
+// std::bad_alloc. A value belongs to one thread at a time. A copy has the same key, name and type.
 //
 //   RegistryValue window(key, "Window");
 //   window.Writef("iiii", left, top, right, bottom);
@@ -23,8 +23,6 @@ class QUARN_API RegistryValue
 public:
     // The value of that name, the default value for an empty one; its type is not known yet (0).
     RegistryValue(RegistryKey& key, Quarn::string const& name);
-    // Key, name and type.
-    RegistryValue(RegistryValue const& other);
 
     Quarn::string const& GetName() const { return m_name; }
     // The type is unknown again.
@@ -83,7 +81,6 @@ class QUARN_API DWORDRegistryValue : public RegistryValue
 {
 public:
     DWORDRegistryValue(RegistryKey& key, Quarn::string const& name);
-    DWORDRegistryValue(DWORDRegistryValue const& other) = default;
 
     // The number; 0 when it cannot be read.
     unsigned long Read();

@@ -31,11 +31,6 @@ private:
     REGSAM m_access;
 };
 
-[[noreturn]] void Refuse(DWORD code)
-{
-    throw RegistryFailure{static_cast<LONG>(code)};
-}
-
 // What `operation` answers, or the code that it throws.
 template<typename Operation>
 LSTATUS Answer(Operation&& operation) noexcept
@@ -55,7 +50,7 @@ bool IsRoot(HKEY key)
            key == HKEY_CLASSES_ROOT;
 }
 
-std::shared_ptr<OpenKey const> FindKey(HKEY key, REGSAM access = 0)
+std::shared_ptr<OpenKey const> OpenKeyOf(HKEY key, REGSAM access = 0)
 {
     if (IsRoot(key)) {
         bool const isFirst = key == HKEY_CURRENT_USER || key == HKEY_LOCAL_MACHINE;
@@ -127,13 +122,15 @@ std::string_view NameOf(char const* name)
 
 using namespace Quarn::detail;
 
+// NOLINTBEGIN(readability-non-const-parameter): the types are those of Windows.
+
 LSTATUS RegOpenKeyExA(HKEY key, char const* subKey, DWORD /*options*/, REGSAM access, HKEY* result)
 {
     return Answer([&] {
         if (result == nullptr) {
             return ERROR_INVALID_PARAMETER;
         }
-        std::shared_ptr<OpenKey const> const from = FindKey(key);
+        std::shared_ptr<OpenKey const> const from = OpenKeyOf(key);
         *result = nullptr;
         RegistryStore& store = from->Store();
         RegistryKeyPlace const place = store.OpenKey(from->Place(), subKey, (access & WritingRights) != 0);
@@ -151,7 +148,7 @@ LSTATUS RegCreateKeyExA(HKEY key, char const* subKey, DWORD reserved, char* /*cl
         if (result == nullptr || reserved != 0 || options != REG_OPTION_NON_VOLATILE) {
             return ERROR_INVALID_PARAMETER;
         }
-        std::shared_ptr<OpenKey const> const from = FindKey(key);
+        std::shared_ptr<OpenKey const> const from = OpenKeyOf(key);
         *result = nullptr;
         RegistryStore& store = from->Store();
         bool created = false;
@@ -172,13 +169,14 @@ LSTATUS RegCloseKey(HKEY key)
     if (IsRoot(key)) {
         return ERROR_SUCCESS;
     }
-    return FindHandle<OpenKey>(key) && RemoveHandle(key) ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
+    bool const closed = FindHandle<OpenKey>(key) && RemoveHandle(key);
+    return static_cast<LSTATUS>(closed ? ERROR_SUCCESS : ERROR_INVALID_HANDLE);
 }
 
 LSTATUS RegDeleteKeyA(HKEY key, char const* subKey)
 {
     return Answer([&] {
-        std::shared_ptr<OpenKey const> const from = FindKey(key);
+        std::shared_ptr<OpenKey const> const from = OpenKeyOf(key);
         if (subKey == nullptr) {
             return ERROR_INVALID_PARAMETER;
         }
@@ -194,7 +192,7 @@ LSTATUS RegEnumKeyExA(HKEY key, DWORD index, char* name, DWORD* nameSize, DWORD*
         if (name == nullptr || nameSize == nullptr || reserved != nullptr) {
             return ERROR_INVALID_PARAMETER;
         }
-        std::shared_ptr<OpenKey const> const parent = FindKey(key, KEY_ENUMERATE_SUB_KEYS);
+        std::shared_ptr<OpenKey const> const parent = OpenKeyOf(key, KEY_ENUMERATE_SUB_KEYS);
         RegistryRow const row = parent->Store().SubKeyAt(parent->Place(), index);
         if (!row) {
             return ERROR_NO_MORE_ITEMS;
@@ -222,7 +220,7 @@ LSTATUS RegQueryValueExA(HKEY key, char const* name, DWORD* reserved, DWORD* typ
         if (reserved != nullptr || (data != nullptr && size == nullptr)) {
             return ERROR_INVALID_PARAMETER;
         }
-        std::shared_ptr<OpenKey const> const parent = FindKey(key, KEY_QUERY_VALUE);
+        std::shared_ptr<OpenKey const> const parent = OpenKeyOf(key, KEY_QUERY_VALUE);
         RegistryRow const row = parent->Store().FindValue(parent->Place(), NameOf(name));
         return row ? PutData(row, type, data, size) : ERROR_FILE_NOT_FOUND;
     });
@@ -232,7 +230,7 @@ LSTATUS RegSetValueExA(HKEY key, char const* name, DWORD /*reserved*/, DWORD typ
                        DWORD size)
 {
     return Answer([&] {
-        std::shared_ptr<OpenKey const> const parent = FindKey(key, KEY_SET_VALUE);
+        std::shared_ptr<OpenKey const> const parent = OpenKeyOf(key, KEY_SET_VALUE);
         if (data == nullptr && size != 0) {
             return ERROR_NOACCESS;
         }
@@ -250,7 +248,7 @@ LSTATUS RegSetValueExA(HKEY key, char const* name, DWORD /*reserved*/, DWORD typ
 LSTATUS RegDeleteValueA(HKEY key, char const* name)
 {
     return Answer([&] {
-        std::shared_ptr<OpenKey const> const parent = FindKey(key, KEY_SET_VALUE);
+        std::shared_ptr<OpenKey const> const parent = OpenKeyOf(key, KEY_SET_VALUE);
         parent->Store().DeleteValue(parent->Place(), NameOf(name));
         return ERROR_SUCCESS;
     });
@@ -264,7 +262,7 @@ LSTATUS RegEnumValueA(HKEY key, DWORD index, char* name, DWORD* nameSize, DWORD*
             (data != nullptr && dataSize == nullptr)) {
             return ERROR_INVALID_PARAMETER;
         }
-        std::shared_ptr<OpenKey const> const parent = FindKey(key, KEY_QUERY_VALUE);
+        std::shared_ptr<OpenKey const> const parent = OpenKeyOf(key, KEY_QUERY_VALUE);
         RegistryRow const row = parent->Store().ValueAt(parent->Place(), index);
         if (!row) {
             return ERROR_NO_MORE_ITEMS;
@@ -273,3 +271,5 @@ LSTATUS RegEnumValueA(HKEY key, DWORD index, char* name, DWORD* nameSize, DWORD*
         return result == ERROR_SUCCESS ? PutName(row, name, nameSize) : result;
     });
 }
+
+// NOLINTEND(readability-non-const-parameter)

@@ -11,4 +11,9 @@ struct RegistryFailure
     LONG code;
 };
 
+[[noreturn]] inline void Refuse(DWORD code)
+{
+    throw RegistryFailure{static_cast<LONG>(code)};
+}
+
 } // namespace Quarn::detail

@@ -9,12 +9,15 @@
 #include <fcntl.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
+#include <time.h>
 
 namespace Quarn::detail {
 
 namespace {
 
-constexpr int BusyMilliseconds = 30000;
+// How long another process may hold a file, in waits of a millisecond. They do not grow: many a writer gives
+// the file free for moments alone, and a rare look would miss them all.
+constexpr int BusyWaits = 30000;
 
 // "Qreg", and the version of the tables and of the folded names in them.
 constexpr std::int64_t ApplicationId = 0x51726567;
@@ -50,9 +53,9 @@ constexpr char const* StatementTexts[] = {
     "SELECT id FROM registry_key WHERE parent = ?1 ORDER BY fold",
     "SELECT name FROM registry_key WHERE id = ?1",
     "SELECT type, data FROM registry_value WHERE key_id = ?1 AND fold = ?2",
-    "INSERT INTO registry_value(key_id, name, fold, type, data)"
-    " SELECT id, ?2, ?3, ?4, ?5 FROM registry_key WHERE id = ?1"
-    " ON CONFLICT(key_id, fold) DO UPDATE SET type = excluded.type, data = excluded.data",
+    R"(INSERT INTO registry_value(key_id, name, fold, type, data)
+       SELECT id, ?2, ?3, ?4, ?5 FROM registry_key WHERE id = ?1
+       ON CONFLICT(key_id, fold) DO UPDATE SET type = excluded.type, data = excluded.data)",
     "DELETE FROM registry_value WHERE key_id = ?1 AND fold = ?2 RETURNING id",
     "SELECT id FROM registry_value WHERE key_id = ?1 ORDER BY +id",
     "SELECT name, type, data FROM registry_value WHERE id = ?1",
@@ -91,6 +94,13 @@ LONG CodeFor(sqlite3* database, int result)
     throw RegistryFailure{CodeFor(database, result)};
 }
 
+int WaitForOthers(void* /*context*/, int waits)
+{
+    timespec const millisecond = {0, 1000000};
+    ::nanosleep(&millisecond, nullptr);
+    return waits < BusyWaits ? 1 : 0;
+}
+
 // Makes an empty file, and the last folder of its path for the user alone. One that is there stays.
 void CreateFile(std::string const& path, RegistryJournal journal)
 {
@@ -99,7 +109,7 @@ void CreateFile(std::string const& path, RegistryJournal journal)
     Descriptor const file = Open(path.c_str(), O_RDWR | O_CREAT | O_EXCL, mode);
     // The mode is meant, whatever the process's mask says.
     if (file ? ::fchmod(file.Get(), static_cast<mode_t>(mode)) != 0 : errno != EEXIST) {
-        throw RegistryFailure{static_cast<LONG>(ErrorFromErrno(errno))};
+        Refuse(ErrorFromErrno(errno));
     }
 }
 
@@ -182,7 +192,7 @@ std::unique_ptr<RegistryFile> RegistryFile::Open(std::string const& path, Regist
     struct ::stat status;
     if (::stat(path.c_str(), &status) != 0) {
         if (errno != ENOENT) {
-            throw RegistryFailure{static_cast<LONG>(ErrorFromErrno(errno))};
+            Refuse(ErrorFromErrno(errno));
         }
         if (!create) {
             return nullptr;
@@ -193,18 +203,18 @@ std::unique_ptr<RegistryFile> RegistryFile::Open(std::string const& path, Regist
     sqlite3* database = nullptr;
     int const result = ::sqlite3_open_v2(path.c_str(), &database, access | SQLITE_OPEN_NOMUTEX, nullptr);
     if (database == nullptr) {
-        throw RegistryFailure{ERROR_NOT_ENOUGH_MEMORY};
+        Refuse(ERROR_NOT_ENOUGH_MEMORY);
     }
     std::unique_ptr<RegistryFile> file(new RegistryFile(database));
     if (result != SQLITE_OK) {
         Throw(database, result);
     }
     ::sqlite3_extended_result_codes(database, 1);
-    ::sqlite3_busy_timeout(database, BusyMilliseconds);
+    ::sqlite3_busy_handler(database, &WaitForOthers, nullptr);
     ::sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     if (!file->Prepare(journal)) {
         if (create) {
-            throw RegistryFailure{ERROR_ACCESS_DENIED};
+            Refuse(ERROR_ACCESS_DENIED);
         }
         return nullptr;
     }
@@ -234,7 +244,7 @@ bool RegistryFile::Prepare(RegistryJournal journal)
     if (isNew) {
         MakeTables();
     } else if (id != ApplicationId || version != FormatVersion) {
-        throw RegistryFailure{ERROR_NOT_REGISTRY_FILE};
+        Refuse(ERROR_NOT_REGISTRY_FILE);
     }
     if (journal == RegistryJournal::Rollback) {
         Execute("PRAGMA synchronous = FULL");

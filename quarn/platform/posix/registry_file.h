@@ -52,6 +52,8 @@ class RegistryQuery
 {
 public:
     explicit RegistryQuery(sqlite3_stmt* statement) : m_statement(statement) {}
+    RegistryQuery(RegistryQuery const&) = delete;
+    RegistryQuery& operator=(RegistryQuery const&) = delete;
     RegistryQuery(RegistryQuery&& other) noexcept;
     RegistryQuery& operator=(RegistryQuery&& other) noexcept;
     ~RegistryQuery();

@@ -10,15 +10,8 @@ namespace Quarn::detail {
 
 namespace {
 
-constexpr unsigned MaxDepth = 512;
+constexpr unsigned MaxKeyDepth = 512;
 constexpr std::size_t MaxListings = 8;
-
-using enum RegistryStatement;
-
-[[noreturn]] void Refuse(DWORD code)
-{
-    throw RegistryFailure{static_cast<LONG>(code)};
-}
 
 std::string FolderPath(int folder)
 {
@@ -72,6 +65,9 @@ RegistryStore::Stores& RegistryStore::All()
     // A file that is closed is one file, and not three.
     static struct AtExit
     {
+        AtExit() = default;
+        AtExit(AtExit const&) = delete;
+        AtExit& operator=(AtExit const&) = delete;
         ~AtExit()
         {
             All().Lock();
@@ -127,7 +123,7 @@ bool RegistryStore::Exists(RegistryKeyPlace key)
         return true;
     }
     RegistryFile* const file = File(false);
-    return file != nullptr && file->Query(HasKey).Number(key.id).Step();
+    return file != nullptr && file->Query(RegistryStatement::HasKey).Number(key.id).Step();
 }
 
 std::optional<RegistryKeyPlace> RegistryStore::Walk(RegistryKeyPlace from,
@@ -142,7 +138,7 @@ std::optional<RegistryKeyPlace> RegistryStore::Walk(RegistryKeyPlace from,
             return std::nullopt;
         }
         std::string const folded = FoldName(name);
-        RegistryQuery query = file->Query(FindKey);
+        RegistryQuery query = file->Query(RegistryStatement::FindKey);
         if (!query.Number(from.id).Bytes(folded).Step()) {
             return std::nullopt;
         }
@@ -181,23 +177,23 @@ RegistryKeyPlace RegistryStore::CreateKey(RegistryKeyPlace from, char const* pat
     std::int64_t parentOfFirst = 0;
     for (std::string_view const name : names) {
         std::string const folded = FoldName(name);
-        RegistryQuery query = file.Query(FindKey);
+        RegistryQuery query = file.Query(RegistryStatement::FindKey);
         if (query.Number(from.id).Bytes(folded).Step()) {
             from = {query.NumberAt(0), from.depth + 1};
             continue;
         }
-        if (FoldedLength(folded) > MaxKeyName || from.depth == MaxDepth) {
+        if (FoldedLength(folded) > MaxKeyName || from.depth == MaxKeyDepth) {
             Refuse(ERROR_INVALID_PARAMETER);
         }
         if (!created) {
             parentOfFirst = from.id;
         }
         created = true;
-        file.Query(AddKey).Number(from.id).Text(name).Bytes(folded).Step();
+        file.Query(RegistryStatement::AddKey).Number(from.id).Text(name).Bytes(folded).Step();
         from = {file.LastRow(), from.depth + 1};
     }
     transaction.Commit();
-    DropListing(ListKeys, parentOfFirst);
+    DropListing(RegistryStatement::ListKeys, parentOfFirst);
     return from;
 }
 
@@ -214,29 +210,29 @@ void RegistryStore::DeleteKey(RegistryKeyPlace from, char const* path)
     if (!key) {
         Refuse(ERROR_FILE_NOT_FOUND);
     }
-    if (key->depth == 0 || file.Query(HasSubKeys).Number(key->id).Step()) {
+    if (key->depth == 0 || file.Query(RegistryStatement::HasSubKeys).Number(key->id).Step()) {
         Refuse(ERROR_ACCESS_DENIED);
     }
     std::int64_t const parent = [&] {
-        RegistryQuery query = file.Query(ParentOfKey);
+        RegistryQuery query = file.Query(RegistryStatement::ParentOfKey);
         return query.Number(key->id).Step() ? query.NumberAt(0) : 0;
     }();
-    file.Query(RemoveValues).Number(key->id).Step();
-    file.Query(RemoveKey).Number(key->id).Step();
+    file.Query(RegistryStatement::RemoveValues).Number(key->id).Step();
+    file.Query(RegistryStatement::RemoveKey).Number(key->id).Step();
     transaction.Commit();
-    DropListing(ListKeys, key->id);
-    DropListing(ListValues, key->id);
-    RemoveFromListing(ListKeys, parent, key->id);
+    DropListing(RegistryStatement::ListKeys, key->id);
+    DropListing(RegistryStatement::ListValues, key->id);
+    RemoveFromListing(RegistryStatement::ListKeys, parent, key->id);
 }
 
 RegistryRow RegistryStore::SubKeyAt(RegistryKeyPlace key, std::size_t index)
 {
-    return RowAt(ListKeys, KeyRow, key, index);
+    return RowAt(RegistryStatement::ListKeys, RegistryStatement::KeyRow, key, index);
 }
 
 RegistryRow RegistryStore::ValueAt(RegistryKeyPlace key, std::size_t index)
 {
-    RegistryRow row = RowAt(ListValues, ValueRow, key, index);
+    RegistryRow row = RowAt(RegistryStatement::ListValues, RegistryStatement::ValueRow, key, index);
     if (row) {
         row.type = static_cast<DWORD>(row.query->NumberAt(1));
         row.data = row.query->BytesAt(2);
@@ -276,11 +272,18 @@ void RegistryStore::SetValue(RegistryKeyPlace key, std::string_view name, DWORD 
     }
     RegistryFile& file = *File(true);
     file.ForgetLastRow();
-    file.Query(PutValue).Number(key.id).Text(name).Bytes(folded).Number(type).Bytes(data).Step();
+    file.Query(RegistryStatement::PutValue)
+        .Number(key.id)
+        .Text(name)
+        .Bytes(folded)
+        .Number(type)
+        .Bytes(data)
+        .Step();
     if (file.Changes() == 0) {
         Refuse(ERROR_KEY_DELETED);
     }
-    if (Listing* const listing = FindListing(ListValues, key.id); listing != nullptr && file.LastRow() != 0) {
+    if (Listing* const listing = FindListing(RegistryStatement::ListValues, key.id);
+        listing != nullptr && file.LastRow() != 0) {
         listing->rows.push_back(file.LastRow());
     }
 }
@@ -290,11 +293,11 @@ void RegistryStore::DeleteValue(RegistryKeyPlace key, std::string_view name)
     std::string const folded = FoldName(name);
     std::lock_guard const guard(m_lock);
     if (RegistryFile* const file = File(false)) {
-        RegistryQuery query = file->Query(RemoveValue);
+        RegistryQuery query = file->Query(RegistryStatement::RemoveValue);
         if (query.Number(key.id).Bytes(folded).Step()) {
             std::int64_t const row = query.NumberAt(0);
             query.Step();
-            RemoveFromListing(ListValues, key.id, row);
+            RemoveFromListing(RegistryStatement::ListValues, key.id, row);
             return;
         }
     }
@@ -333,7 +336,7 @@ RegistryRow RegistryStore::RowAt(RegistryStatement list, RegistryStatement row, 
 
 void RegistryStore::CheckListings()
 {
-    RegistryQuery query = m_file->Query(DataVersion);
+    RegistryQuery query = m_file->Query(RegistryStatement::DataVersion);
     query.Step();
     std::int64_t const version = query.NumberAt(0);
     if (version != m_dataVersion) {

@@ -41,6 +41,7 @@ public:
 
     RegistryStore(RegistryStore const&) = delete;
     RegistryStore& operator=(RegistryStore const&) = delete;
+    ~RegistryStore() = default;
 
     RegistryKeyPlace OpenKey(RegistryKeyPlace from, char const* path, bool forWriting);
     // Makes what is missing of the path, or nothing.

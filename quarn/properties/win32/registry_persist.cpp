@@ -49,6 +49,7 @@ bool RegistryPropPersist::Populate(PropertyKey* target) const
     return Exists() && PopulatePropKey(target, m_key);
 }
 
+// NOLINTNEXTLINE(misc-no-recursion): the registry's own depth is bounded
 bool RegistryPropPersist::PopulatePropKey(PropertyKey* target, HKEY key)
 {
     std::vector<char> name(NameSize);
