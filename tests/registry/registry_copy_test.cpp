@@ -140,6 +140,32 @@ TEST_F(RegistryCopy, AValueBeyond7680BytesDeliberatelyEndsTheValuesWithoutAnErro
     EXPECT_EQ(Values("from"), Names{"(missing)"});
 }
 
+TEST_F(RegistryCopy, AValueNameOf512BytesDeliberatelyEndsTheValuesToo)
+{
+    std::string const fits(511, 'a');
+    ASSERT_EQ(Set("from", fits.c_str(), "1") + Set("from", std::string(512, 'b').c_str(), "2") +
+                  Set("from", "c", "3"),
+              0);
+    CurrentUserKey from = At("from");
+    CurrentUserKey to = At("to");
+    EXPECT_FALSE(from.Copy(to, false));
+    EXPECT_EQ(Values("to"), Names{fits}); // in both orders, by creation and by name
+}
+
+TEST_F(RegistryCopy, AWriteThatFailsDeliberatelyEndsTheValuesWithoutAnError)
+{
+    ASSERT_EQ(Set("from", "a", "1") + Set("to", "kept", "2"), 0);
+    CurrentUserKey from = At("from");
+    CurrentUserKey to = At("to");
+    ASSERT_TRUE(to.OpenRead("")); // must not write values
+    EXPECT_FALSE(from.Copy(to, false));
+    EXPECT_EQ(Values("from"), Names{"a"});
+    // A move goes on, and deletes the key with what is left.
+    EXPECT_TRUE(from.Copy(to, true));
+    EXPECT_EQ(Values("from"), Names{"(missing)"});
+    EXPECT_EQ(Values("to"), Names{"kept"});
+}
+
 TEST_F(RegistryCopy, ADeleteThatFailsEndsAMoveAndLeavesTheKey)
 {
     ASSERT_EQ(Set("from", "a", "1") + Set("from", "b", "2") + Set("from\\S", "s", "3"), 0);

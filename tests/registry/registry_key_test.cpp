@@ -314,6 +314,27 @@ TEST(RegistryKey, UserKeysAreComposedOfTheirNames)
     EXPECT_EQ(copy.GetPath(""), "Software\\Acme\\Tool");
 }
 
+TEST(RegistryKey, UserKeysLieBelowTheUsersRoot)
+{
+    ThrowAwayKey const place;
+    std::string const company = place.Path().substr(std::string("Software\\").size());
+    UserKey key(company, "Tool");
+    ASSERT_TRUE(key.Open(""));
+    UserVersionKey version(company, "Tool", "1");
+    ASSERT_TRUE(version.Open(""));
+    EXPECT_EQ(SubKeyNames(place), std::vector<std::string>{"Tool"});
+    EXPECT_EQ(SubKeyNames(key), std::vector<std::string>{"1"});
+}
+
+// No part is tested: an empty one leaves its backslashes.
+TEST(RegistryKey, ASubKeyOfAnEmptyNameIsTheKeyItself)
+{
+    ThrowAwayKey const place;
+    CurrentUserKey key(place.Path() + "\\\\a\\");
+    ASSERT_TRUE(key.Open(""));
+    EXPECT_EQ(SubKeyNames(place), std::vector<std::string>{"a"});
+}
+
 // This program has no version block.
 TEST(RegistryKey, UserKeysWithoutAVersionBlockTakeWhatItsGettersReturn)
 {

@@ -98,6 +98,19 @@ TEST(RegistryPropPersist, AValueThatDoesNotFitDeliberatelyEndsTheValues)
     EXPECT_TRUE(tree.HasSubKey("sub"));
 }
 
+TEST(RegistryPropPersist, ANameThatDoesNotFitDeliberatelyEndsTheValuesToo)
+{
+    ThrowAwayKey const key;
+    std::string const fits(511, 'a');
+    ASSERT_EQ(SetText(key, fits.c_str(), "1"), 0);
+    ASSERT_EQ(SetText(key, std::string(512, 'b').c_str(), "2"), 0);
+    ASSERT_EQ(SetText(key, "c", "lost"), 0);
+    PropertyCollection tree;
+    EXPECT_TRUE(RegistryPropPersist(key).Populate(&tree));
+    EXPECT_EQ(tree.GetValueCount(), 1u); // in both orders, by creation and by name
+    EXPECT_EQ(tree.GetValueString(fits, ""), "1");
+}
+
 TEST(RegistryPropPersist, SubKeysBecomeKeysByThePathSyntax)
 {
     ThrowAwayKey const key;

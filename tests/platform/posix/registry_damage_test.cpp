@@ -4,6 +4,8 @@
 #include <fstream>
 
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
 
 namespace {
 
@@ -93,6 +95,52 @@ TEST(RegistryDamage, DamagedBytesGiveCodesAndNoCrash)
         }
         EXPECT_EQ(folder.Run(UseAll), 0) << round;
     }
+}
+
+TEST(RegistryDamage, WhatIsNoLogBesideTheFileIsNoPartOfIt)
+{
+    RegistryFolder const folder;
+    ASSERT_EQ(folder.Run(Fill), 0);
+    for (std::string const& log : {std::string("no log"), std::string(100000, 'x')}) {
+        Write(folder.UserFile().string() + "-wal", log);
+        EXPECT_EQ(folder.Run([] {
+            HKEY key = nullptr;
+            OpenKey(HKEY_CURRENT_USER, Path, key);
+            return CountNumbered(key, "v", 1000) == 1000 && SetText(key, "v", "text") == 0;
+        }),
+                  1);
+    }
+}
+
+// As on a full disk.
+TEST(RegistryDamage, AFileThatCannotGrowGivesACodeAndLosesNothingThatWasWritten)
+{
+    RegistryFolder const folder;
+    ASSERT_EQ(folder.Run(Fill), 0);
+    int const written = folder.Run([] {
+        HKEY key = nullptr;
+        OpenKey(HKEY_CURRENT_USER, Path, key);
+        ::signal(SIGXFSZ, SIG_IGN);
+        rlimit const limit = {400000, 400000};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        int i = 0;
+        while (i < 200 && SetText(key, Numbered("big", i).c_str(), std::string(10000, 'b')) == 0) {
+            ++i;
+        }
+        return SetText(key, "last", std::string(10000, 'b')) == 0 ? 255 : i;
+    });
+    ASSERT_GT(written, 0);
+    ASSERT_LT(written, 200);
+    EXPECT_EQ(folder.Run([&] {
+        HKEY key = nullptr;
+        OpenKey(HKEY_CURRENT_USER, Path, key);
+        int whole = 0;
+        for (int i = 0; i < written; ++i) {
+            whole += DataOf(key, Numbered("big", i).c_str()) == std::string(10000, 'b') + '\0' ? 1 : 0;
+        }
+        return whole == written && CountNumbered(key, "v", 1000) == 1000 && SetText(key, "next", "") == 0;
+    }),
+              1);
 }
 
 TEST(RegistryDamage, AFileOfALaterVersionIsRefused)

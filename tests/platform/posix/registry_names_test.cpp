@@ -1,5 +1,7 @@
 // What the registry does outside Windows with names that the code pages of Windows do not have, and other
 // points in which the systems differ on purpose.
+#include "quarn/registry/registry_enum.h"
+
 #include "tests/registry/throw_away_key.h"
 
 #include <clocale>
@@ -101,6 +103,29 @@ TEST(PosixRegistry, LongNamesAndDeepTreesHaveTheirLimits)
     string const longPath(5000000, '\\');
     EXPECT_EQ(TryOpen(key, ("d" + longPath + "d").c_str()), 0);
     EXPECT_EQ(TryOpen(key, string(5000000, 'd').c_str()), 2);
+}
+
+// 255 characters can be more bytes than the buffers of the key classes hold.
+TEST(PosixRegistry, ASubKeysNameOf512BytesEndsListsAndMoves)
+{
+    string wide;
+    for (int i = 0; i < 171; ++i) {
+        wide += "\u20ac";
+    }
+    ThrowAwayKey const place;
+    ASSERT_EQ(MakeKey(place, "from\\a"), 0);
+    ASSERT_EQ(MakeKey(place, "from\\" + wide), 0);
+    Win32Quarn::CurrentUserKey from(place.Path() + "\\from");
+    ASSERT_TRUE(from.Open(""));
+    Quarn::StringList names;
+    EXPECT_FALSE(Win32Quarn::RegistryKeyEnum(from).Read(names));
+    EXPECT_EQ(from.GetLastError(), 234);
+    EXPECT_EQ(names.size(), 1u);
+    Win32Quarn::CurrentUserKey to(place.Path() + "\\to");
+    EXPECT_FALSE(from.Copy(to, true));
+    EXPECT_EQ(TryOpen(from, wide.c_str()), 0);
+    EXPECT_EQ(::RegDeleteKeyA(from, wide.c_str()), 0);
+    EXPECT_TRUE(from.Copy(to, true));
 }
 
 TEST(PosixRegistry, WhatIsNotKeptIsRefused)
