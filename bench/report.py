@@ -40,7 +40,10 @@ def machine():
 
 
 def versions():
-    packages = ["g++", "zlib1g-dev", "libdeflate-dev", "libxerces-c-dev", "libsqlite3-dev", "libbenchmark-dev", "libsqlite3-dev", "qtbase5-dev"]
+    packages = [
+        "g++", "zlib1g-dev", "libdeflate-dev", "libxerces-c-dev", "libbenchmark-dev", "libsqlite3-dev", "qtbase5-dev",
+        "libabsl-dev",
+    ]
     found = []
     for package in packages:
         version = os.popen(f"dpkg-query -W -f='${{Version}}' {package} 2>/dev/null").read().strip()

@@ -21,6 +21,8 @@
 // These two need the types of the first.
 #include <shlobj.h>
 #include <shlwapi.h>
+// The runtime library's conversions, named below.
+#include <time.h>
 
 #else
 
@@ -28,6 +30,7 @@
 #include "quarn/platform/win32_types.h"
 
 #include <cstdint>
+#include <ctime>
 
 // NOLINTBEGIN: names, types and values are those of the Win32 interface.
 
@@ -65,6 +68,19 @@ struct FILETIME
 {
     DWORD dwLowDateTime;
     DWORD dwHighDateTime;
+};
+
+// A broken-down time.
+struct _SYSTEMTIME
+{
+    WORD wYear;
+    WORD wMonth;     // 1 to 12
+    WORD wDayOfWeek; // 0 is Sunday
+    WORD wDay;
+    WORD wHour;
+    WORD wMinute;
+    WORD wSecond;
+    WORD wMilliseconds;
 };
 
 constexpr BOOL FALSE = 0;
@@ -270,6 +286,29 @@ QUARN_API char* PathAddBackslashA(char* path);
 QUARN_API DWORD GetCurrentProcessId();
 QUARN_API void Sleep(DWORD milliseconds);
 QUARN_API ULONGLONG GetTickCount64();
+
+// The clock, in UTC and in the process's time zone.
+QUARN_API void GetSystemTime(SYSTEMTIME* time);
+QUARN_API void GetLocalTime(SYSTEMTIME* time);
+// Years 1601 to 30827; what is no date of the Gregorian calendar is refused (ERROR_INVALID_PARAMETER). The
+// day of the week is not read.
+QUARN_API BOOL SystemTimeToFileTime(SYSTEMTIME const* time, FILETIME* fileTime);
+QUARN_API BOOL FileTimeToSystemTime(FILETIME const* fileTime, SYSTEMTIME* time);
+// These two go by the zone's distance to UTC in force now, whatever the date.
+QUARN_API BOOL FileTimeToLocalFileTime(FILETIME const* fileTime, FILETIME* local);
+QUARN_API BOOL LocalFileTimeToFileTime(FILETIME const* local, FILETIME* fileTime);
+
+// ---- the C runtime's time conversions, under their names on Windows
+
+using __time64_t = std::int64_t;
+
+// The result lies in one record that both share: one thread at a time. Null where the runtime refuses the
+// seconds; on Windows those before 1970 and after 3000, elsewhere only those whose year is no int.
+QUARN_API std::tm* _gmtime64(__time64_t const* seconds);
+QUARN_API std::tm* _localtime64(__time64_t const* seconds);
+// Normalises the record. tm_isdst is read as -1: a repeated hour is standard time, a skipped one counts on
+// from the hour before it. On Windows -1 before 1970 and after 3000.
+QUARN_API __time64_t _mktime64(std::tm* time);
 
 // ---- locks
 

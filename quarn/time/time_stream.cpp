@@ -1,7 +1,8 @@
-// How a stream stores a time. The streams declare these operations and know no more of the type.
+// How a stream stores times and durations. The streams declare the operations of Time and know no more of it.
 #include "quarn/stream/istream.h"
 #include "quarn/stream/ostream.h"
 #include "quarn/time/time.h"
+#include "quarn/time/time_value.h"
 
 namespace Quarn {
 
@@ -17,6 +18,14 @@ istream& istream::operator>>(Time& time)
     *this >> words.High >> words.Low;
     time = words;
     return *this;
+}
+
+istream& operator>>(istream& stream, TimeValue& value)
+{
+    TIMEVALUE words = {0, 0};
+    stream >> words.Minutes >> words.Fraction;
+    value = words;
+    return stream;
 }
 
 } // namespace Quarn

@@ -1,0 +1,143 @@
+#include "quarn/time/time.h"
+
+#include "quarn/time/civil_day.h"
+
+#include <cmath>
+
+namespace Quarn {
+
+namespace {
+
+constexpr int secondsPerDay = 86400;
+
+int SecondOfDay(Time const& time)
+{
+    return time.GetHour() * 3600 + time.GetMinute() * 60 + time.GetSecond();
+}
+
+std::int64_t DayOf(Time const& time)
+{
+    return detail::DayNumber(time.GetYear(), time.GetMonth(), time.GetDate());
+}
+
+} // namespace
+
+constinit Time const Time::MinTime = TimeData{4224, 0};
+constinit Time const Time::MaxTime = TimeData{2147471324, 4022312935};
+constinit Time const Time::NoTime = TimeData{0, 0};
+
+Time::Time(std::uint16_t year, std::uint8_t month, std::uint8_t date, std::uint8_t hour, std::uint8_t minute,
+           std::uint8_t second, std::uint16_t millisecond, std::uint16_t microsecond)
+    : m_data{0, 0}
+{
+    Set(year, month, date, hour, minute, second, millisecond, microsecond);
+}
+
+Time::Time(std::tm const* calendar) : m_data{0, 0}
+{
+    Setgm(calendar);
+}
+
+Time::Time(std::int64_t seconds, bool utc) : m_data{0, 0}
+{
+    if (utc) {
+        SetUTC(seconds);
+    } else {
+        SetLocal(seconds);
+    }
+}
+
+Time& Time::MSIsWonderfull(Time const& other)
+{
+    SetTimeData(other.GetTimeData());
+    return *this;
+}
+
+std::uint16_t Time::GetYear2() const
+{
+    int year = GetYear();
+    while (year > 1000) {
+        year -= 1000;
+    }
+    while (year > 100) {
+        year -= 100;
+    }
+    return static_cast<std::uint16_t>(year);
+}
+
+std::uint8_t Time::GetHour12() const
+{
+    std::uint8_t const hour = GetHour();
+    return static_cast<std::uint8_t>(hour <= 12 ? hour : hour - 12);
+}
+
+void Time::Set(std::uint16_t year, std::uint8_t month, std::uint8_t date, std::uint8_t hour,
+               std::uint8_t minute, std::uint8_t second, std::uint16_t millisecond, std::uint16_t microsecond)
+{
+    SetYear(year);
+    SetMonth(month);
+    SetDate(date);
+    SetHour(hour);
+    SetMinute(minute);
+    SetSecond(second);
+    SetMilliSecond(millisecond);
+    SetMicroSecond(microsecond);
+}
+
+double Time::GetJulian() const
+{
+    return static_cast<double>(DayOf(*this)) - 0.5 + static_cast<double>(SecondOfDay(*this)) / secondsPerDay;
+}
+
+Time& Time::SetJulian(double julian)
+{
+    constexpr double limit = 9007199254740992.0; // 2^53
+    double const days = julian + 0.5;
+    if (!(std::fabs(days) < limit)) {
+        return *this;
+    }
+    auto day = static_cast<std::int64_t>(days);
+    if (static_cast<double>(day) > days) {
+        --day;
+    }
+    double const fraction = days - static_cast<double>(day);
+    detail::CivilDay const civil = detail::CivilDate(day);
+    double const rounded = fraction * secondsPerDay + 0.5;
+    auto const second = static_cast<int>(rounded);
+    // A fraction that differs from 1 by less than the sum can show belongs to the next date.
+    auto const date = static_cast<int>(civil.date + fraction);
+    Set(static_cast<std::uint16_t>(civil.year), static_cast<std::uint8_t>(civil.month),
+        static_cast<std::uint8_t>(date), static_cast<std::uint8_t>(second / 3600),
+        static_cast<std::uint8_t>(second / 60 % 60), static_cast<std::uint8_t>(second % 60), GetMilliSecond(),
+        GetMicroSecond());
+    return *this;
+}
+
+std::tm* Time::Get_tm(std::tm* calendar) const
+{
+    if (calendar != nullptr) {
+        calendar->tm_sec = GetSecond();
+        calendar->tm_min = GetMinute();
+        calendar->tm_hour = GetHour();
+        calendar->tm_mday = GetDate();
+        calendar->tm_mon = GetMonth() - 1;
+        calendar->tm_year = GetYear() - 1900;
+        // Hours from 24 on are those of the next day.
+        calendar->tm_wday = static_cast<int>((DayOf(*this) + 1 + SecondOfDay(*this) / secondsPerDay) % 7);
+        calendar->tm_isdst = -1;
+    }
+    return calendar;
+}
+
+void Time::Setgm(std::tm const* calendar)
+{
+    if (calendar != nullptr) {
+        Set(static_cast<std::uint16_t>(static_cast<unsigned>(calendar->tm_year) + 1900U),
+            static_cast<std::uint8_t>(static_cast<unsigned>(calendar->tm_mon) + 1U),
+            static_cast<std::uint8_t>(calendar->tm_mday), static_cast<std::uint8_t>(calendar->tm_hour),
+            static_cast<std::uint8_t>(calendar->tm_min), static_cast<std::uint8_t>(calendar->tm_sec),
+            GetMilliSecond(), GetMicroSecond());
+    }
+}
+
+} // namespace Quarn
