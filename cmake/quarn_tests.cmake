@@ -30,6 +30,24 @@ function(quarn_add_test name)
   quarn_discover_tests(${name})
 endfunction()
 
+# quarn_use_german_locale(name): what tests/german_locale.h needs. None has to be installed: one is made.
+function(quarn_use_german_locale name)
+  if(WIN32)
+    return()
+  endif()
+  set(locales ${PROJECT_BINARY_DIR}/locales)
+  if(NOT TARGET quarn_german_locale)
+    find_program(QUARN_LOCALEDEF localedef REQUIRED)
+    add_custom_command(OUTPUT ${locales}/de_DE.UTF-8/LC_TIME
+      COMMAND ${CMAKE_COMMAND} -E make_directory ${locales}
+      COMMAND ${QUARN_LOCALEDEF} -i de_DE -f UTF-8 ${locales}/de_DE.UTF-8
+      VERBATIM)
+    add_custom_target(quarn_german_locale DEPENDS ${locales}/de_DE.UTF-8/LC_TIME)
+  endif()
+  add_dependencies(${name} quarn_german_locale)
+  target_compile_definitions(${name} PRIVATE QUARN_TEST_LOCALES="${locales}")
+endfunction()
+
 # quarn_private_test(name source...): a program made of the library's objects, which may include private
 # headers. It sees an empty QUARN_API.
 function(quarn_private_test name)

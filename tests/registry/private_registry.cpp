@@ -1,6 +1,6 @@
 // Linked into every test program that uses the registry: outside Windows, where the registry of the Wine
-// prefix serves, the program gets a registry of its own below the current directory, removed at its end, and
-// finds the locales that were made for it.
+// prefix serves, the program gets a registry of its own below the current directory, removed at its
+// end.
 #include "quarn/platform/win32_api.h"
 
 #if !defined(_WIN32)
@@ -21,9 +21,6 @@ public:
         std::filesystem::create_directories(m_folder / "machine");
         ::setenv("XDG_DATA_HOME", (m_folder / "user").c_str(), 1);
         ::setenv("QUARNUTIL_MACHINE_DIR", (m_folder / "machine").c_str(), 1);
-#if defined(QUARN_TEST_LOCALES)
-        ::setenv("LOCPATH", QUARN_TEST_LOCALES, 1);
-#endif
     }
     ~PrivateRegistry()
     {

@@ -1,4 +1,5 @@
 // What Writef stores, in settings values and in registry values alike.
+#include "tests/german_locale.h"
 #include "tests/registry/record_places.h"
 
 #include <clocale>
@@ -104,7 +105,7 @@ TYPED_TEST(RecordWriting, AnUnknownLetterDeliberatelyRepeatsTheItemBeforeIt)
 
 TYPED_TEST(RecordWriting, TheDecimalPointIsAPointInEveryLocale)
 {
-    std::setlocale(LC_ALL, QUARN_GERMAN_LOCALE);
+    GermanLocale const german;
     std::string const point = std::localeconv()->decimal_point;
     EXPECT_TRUE(this->m_place.Writef("d", 1234.5));
     double number = 0;
@@ -113,8 +114,8 @@ TYPED_TEST(RecordWriting, TheDecimalPointIsAPointInEveryLocale)
     this->m_place.Store("1.5e999");
     EXPECT_TRUE(this->m_place.Readf("d", &huge));
     EXPECT_TRUE(this->m_place.Writef("d", 1234.5));
-    std::setlocale(LC_ALL, "C");
-    EXPECT_EQ(point, ","); // the locale is there
+    EXPECT_TRUE(german.Found());
+    EXPECT_EQ(point, ",");
     EXPECT_EQ(this->m_place.Stored(), "1234.500000,");
     EXPECT_EQ(number, 1234.5);
     EXPECT_EQ(huge, std::numeric_limits<double>::infinity());

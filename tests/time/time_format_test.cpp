@@ -1,18 +1,16 @@
 // Times as text, in the "C" locale and in German, and the check of formats.
 #include "quarn/time/time.h"
 
+#include "tests/german_locale.h"
 #include "tests/time/time_text.h"
 
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <random>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <locale.h>
-#include <stdlib.h>
 
 namespace {
 
@@ -24,39 +22,10 @@ constexpr char letters[] = "dHmMyYpSbBaA%cIjUwWxXzZ";
 Time const birthday(2024, 3, 5, 7, 8, 9, 123, 456); // a Tuesday
 
 #if defined(_WIN32)
-constexpr char germanName[] = "German_Germany.1252";
 constexpr char march[] = "M\xE4rz";
 #else
-constexpr char germanName[] = "de_DE.UTF-8";
 constexpr char march[] = "M\xC3\xA4rz";
 #endif
-
-// German, from the locale that the build has made or from the system; "C" comes back at the end.
-class German
-{
-public:
-    German()
-    {
-#if !defined(_WIN32)
-        ::setenv("LOCPATH", QUARN_TEST_LOCALES, 1);
-#endif
-        m_found = ::setlocale(LC_ALL, germanName) != nullptr;
-    }
-    German(German const&) = delete;
-    German& operator=(German const&) = delete;
-    ~German()
-    {
-        ::setlocale(LC_ALL, "C");
-    }
-
-    bool Found() const
-    {
-        return m_found;
-    }
-
-private:
-    bool m_found = false;
-};
 
 // What the runtime library makes of the birthday.
 std::string SystemText(char const* format)
@@ -147,7 +116,7 @@ TEST(TimeFormat, NeverShowsMillisecondsOrMicroseconds)
 
 TEST(TimeFormat, InGerman)
 {
-    German const german;
+    GermanLocale const german;
     ASSERT_TRUE(german.Found()) << "no German locale";
     EXPECT_EQ(birthday.Format("%A, %d. %B %Y"), std::string("Dienstag, 05. ") + march + " 2024");
     EXPECT_EQ(At(2024, 12, 24, 18, 30).Format("%a").substr(0, 2), "Di");

@@ -2,9 +2,8 @@
 // points in which the systems differ on purpose.
 #include "quarn/registry/registry_enum.h"
 
+#include "tests/german_locale.h"
 #include "tests/registry/throw_away_key.h"
-
-#include <clocale>
 
 #include <gtest/gtest.h>
 
@@ -32,9 +31,9 @@ TEST(PosixRegistry, NamesOfAllScriptsCompareWithoutCaseInEveryLocale)
         EXPECT_EQ(SetText(key, each.upper, "text"), 0);
         EXPECT_EQ(DataOf(key, each.lower), string("text\0", 5)) << each.upper;
         EXPECT_EQ(ValueNames(key), std::vector<string>{each.upper});
-        EXPECT_NE(std::setlocale(LC_ALL, QUARN_GERMAN_LOCALE), nullptr);
+        GermanLocale const german;
+        EXPECT_TRUE(german.Found());
         EXPECT_EQ(DataOf(key, each.lower), string("text\0", 5)) << each.upper;
-        std::setlocale(LC_ALL, "C");
     }
 }
 
