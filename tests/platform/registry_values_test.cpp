@@ -136,6 +136,23 @@ TEST(RegistryValues, NamesKeepTheirFirstSpellingAndCompareWithoutCase)
     EXPECT_EQ(ValueNames(key), std::vector<string>{"BACK\\slash/[1]"});
 }
 
+// Under Wine in its code page 1252, in which every byte is a character.
+TEST(RegistryValues, EveryByteAbove127ComesBackInNamesAndTexts)
+{
+    ThrowAwayKey const key;
+    for (int byte = 0x80; byte <= 0xff; ++byte) {
+        SCOPED_TRACE(byte);
+        string const text = string("n") + static_cast<char>(byte);
+        EXPECT_EQ(SetText(key, text.c_str(), text), 0);
+        EXPECT_EQ(ValueNames(key), std::vector<string>{text});
+        EXPECT_EQ(DataOf(key, text.c_str()), text + '\0');
+        EXPECT_EQ(::RegDeleteValueA(key, text.c_str()), 0);
+        EXPECT_EQ(MakeKey(key, text), 0);
+        EXPECT_EQ(SubKeyNames(key), std::vector<string>{text});
+        EXPECT_EQ(::RegDeleteKeyA(key, text.c_str()), 0);
+    }
+}
+
 TEST(RegistryValues, NamesOf16383CharactersWorkAndLongerOnesDoNot)
 {
     ThrowAwayKey const key;

@@ -234,6 +234,33 @@ TYPED_TEST(RecordReading, AnUnknownLetterSkipsAField)
     EXPECT_EQ(b, 2);
 }
 
+TYPED_TEST(RecordReading, ARecordCutOffAnywhereGivesTheItemsBeforeTheCut)
+{
+    std::string const record = "12,\"abc\",-3.5,1:2,";
+    for (std::size_t length = 0; length <= record.size(); ++length) {
+        SCOPED_TRACE(length);
+        this->m_place.Store(record.substr(0, length));
+        int number = 99;
+        string text;
+        double decimal = 99;
+        std::uint64_t halves = 99;
+        bool const complete = this->m_place.Readf("itdT", &number, &text, &decimal, &halves);
+        // A field without its comma serves the items behind it; behind a comma they are missing.
+        bool const isWhole = length == record.size();
+        EXPECT_EQ(complete, isWhole || (length != 0 && record[length - 1] != ','));
+        EXPECT_EQ(number, length == 0 ? 0 : length == 1 ? 1 : 12);
+        if (length > record.find('c')) {
+            EXPECT_EQ(text, "abc");
+        }
+        if (length > record.find('5')) {
+            EXPECT_EQ(decimal, -3.5);
+        }
+        if (isWhole) {
+            EXPECT_EQ(halves, 0x0000000100000002u);
+        }
+    }
+}
+
 TYPED_TEST(RecordReading, RandomItemsComeBack)
 {
     std::mt19937_64 random(20240601);

@@ -94,6 +94,17 @@ TEST(RegistryDamage, DamagedBytesGiveCodesAndNoCrash)
             std::filesystem::remove(folder.UserFile().string() + suffix);
         }
         EXPECT_EQ(folder.Run(UseAll), 0) << round;
+        // A file that lacks pages is neither repaired nor replaced.
+        if (!damaged.empty() && damaged.size() + 4096 <= whole.size()) {
+            EXPECT_EQ(folder.Run([] {
+                HKEY key = nullptr;
+                long const code = CreateKey(HKEY_CURRENT_USER, Path, key);
+                return code == 1015 || code == 1017;
+            }),
+                      1)
+                << round;
+            EXPECT_TRUE(ContentOf(folder.UserFile()) == damaged) << round;
+        }
     }
 }
 
