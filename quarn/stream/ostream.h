@@ -3,6 +3,15 @@
 // the widths of 64-bit Windows: `long` is stored in 32 bits on every system. A stream belongs to one thread
 // at a time. Failures are exceptions (stream_exception.h) of the concrete stream; what was written before one
 // stays written.
+//
+// A stream that is made in dump mode is a text for people instead: the `dump` family, which otherwise stores
+// each value as operator<< does, writes a line for it. So one function serves a record and its listing:
+//
+//     void Save(Quarn::ostream& stream, Point const& point)
+//     {
+//         stream.dump("X", point.x);      // 4 bytes, or the line "X=5"
+//         stream.dump("Name", point.name);
+//     }
 #pragma once
 
 #include "quarn/export.h"
@@ -10,6 +19,7 @@
 #include "quarn/stream/window.h"
 #include "quarn/stream/wire.h"
 #include "quarn/text/string.h"
+#include "quarn/text/string_list.h"
 
 #include <concepts>
 #include <cstdint>
@@ -20,6 +30,7 @@
 
 namespace Quarn {
 
+class DumpStreamIndent;
 class StreamCompress;
 class Time;
 
@@ -88,6 +99,37 @@ public:
     ostream& write(unsigned char const* data, unsigned long n);
     ostream& write(void const* data, unsigned long n);
 
+    // One value with its label. Binary mode: the value alone, as operator<< stores it. Dump mode: a line,
+    // after as many spaces as the depth (dump_indent.h) says, "label=value" in the current locale; a negative
+    // depth is none. The label is shown up to its first zero byte. A long that does not fit 32 bits is
+    // reported and cut as above.
+    ostream& dump(string const& label, char value);           // "%s=%d\n"
+    ostream& dump(string const& label, unsigned char value);  // "%s=%u\n"
+    ostream& dump(string const& label, short value);          // "%s=%d\n"
+    ostream& dump(string const& label, unsigned short value); // "%s=%u\n"
+    ostream& dump(string const& label, int value);            // "%s=%d\n"
+    ostream& dump(string const& label, unsigned int value);   // "%s=%u\n"
+    ostream& dump(string const& label, long value);           // "%s=%ld\n"
+    ostream& dump(string const& label, unsigned long value);  // "%s=%lu\n"
+    ostream& dump(string const& label, float value);          // "%s=%f\n", as these two
+    ostream& dump(string const& label, double value);
+    ostream& dump(string const& label, long double value);
+    ostream& dump(string const& label, bool value); // "%s=%s\n", true or false
+    // "%s=\"%s\"\n": every byte below 32 or above 127 shows as the byte 0x98. Null is the empty text.
+    ostream& dump(string const& label, char const* text);
+    ostream& dump(string const& label, string const& text);
+    // "%s(ID=0x%08lx), Version=%lu\n"
+    ostream& dump(string const& label, Stream::HeaderBlock const& header);
+    // "%s=%s)\n" with Time::Format("%x %X"); the parenthesis belongs to the format.
+    ostream& dump(string const& label, Time const& time);
+    template<typename T>
+        requires(!std::same_as<std::remove_cv_t<T>, char>)
+    ostream& dump(string const& label, T*) = delete;
+    // The label as a string, in binary mode too; in dump mode with a line feed, not indented.
+    ostream& dump(string const& label);
+    // The same in dump mode; nothing in binary mode.
+    ostream& dumpLabel(string const& label);
+
     // The compressor for all blocks and string bodies from now on; null (as in the beginning) for none. It
     // stays the caller's and must outlive its use here.
     void SetCompressor(StreamCompress* compressor) { m_compressor = compressor; }
@@ -107,6 +149,8 @@ protected:
     void SetWindow(detail::Window* window) { m_window = window; }
 
 private:
+    friend class DumpStreamIndent;
+
     // Memory for `n` bytes, or null where they must go through `output`.
     unsigned char* Reserve(std::size_t n)
     {
@@ -124,11 +168,16 @@ private:
         return output(bytes, sizeof bytes);
     }
     ostream& PutString(std::string_view text);
+    ostream& DumpLine(string const& line);
 
     bool m_dumpMode;
-    std::int32_t m_indent = 0; // spaces before a dumped line
+    std::int32_t m_indent = 0; // the depth: spaces before a dumped line
     StreamCompress* m_compressor = nullptr;
     detail::Window* m_window = nullptr;
 };
+
+// Writes a list: the count in 32 bits, then the strings, as istream reads it; or dumps it: the label, the
+// line "String Count" indented by 4, and each string in a line of its own, as it is and not indented.
+QUARN_API ostream& dump(ostream& stream, string const& label, StringList const& list);
 
 } // namespace Quarn

@@ -16,6 +16,7 @@
 namespace Quarn {
 
 class istream;
+class ostream;
 
 // The plain form of a TimeValue.
 struct TIMEVALUE
@@ -126,5 +127,7 @@ private:
 
 // Reads minutes, then fraction. The value changes only where both are there.
 QUARN_API istream& operator>>(istream& stream, TimeValue& value);
+// Writes minutes, then fraction; or dumps the label and the lines "Mantissa" and "Fraction", indented by 4.
+QUARN_API ostream& dump(ostream& stream, string label, TimeValue const& value);
 
 } // namespace Quarn
