@@ -196,6 +196,9 @@ constexpr DWORD MOVEFILE_WRITE_THROUGH = 0x8;
 // The attributes of what a symbolic link leads to. FILE_ATTRIBUTE_DEVICE stands for all that is neither file
 // nor folder.
 QUARN_API DWORD GetFileAttributesA(char const* path);
+// FILE_ATTRIBUTE_READONLY of regular files alone counts: it takes the permission to write from everybody, its
+// absence gives it to the owner of a file that nobody may write.
+QUARN_API BOOL SetFileAttributesA(char const* path, DWORD attributes);
 QUARN_API BOOL DeleteFileA(char const* path);
 // MOVEFILE_WRITE_THROUGH syncs the folders of both names. A symbolic link is moved or replaced itself. Two
 // hard links of one file are left as they are, with success.

@@ -60,6 +60,36 @@ TEST(SeamFileName, AttributesOfWhatIsMissing)
     EXPECT_EQ(AttributesError(nullptr), ERROR_PATH_NOT_FOUND);
 }
 
+TEST(SeamFileName, FilesBecomeReadOnlyAndWritableAgain)
+{
+    ScratchFolder const folder;
+    std::string const file = folder.Make("a");
+    std::string const inner = folder.MakeFolder("f");
+    EXPECT_TRUE(::SetFileAttributesA(file.c_str(), FILE_ATTRIBUTE_READONLY));
+    EXPECT_NE(::GetFileAttributesA(file.c_str()) & FILE_ATTRIBUTE_READONLY, 0U);
+    EXPECT_EQ(DeleteError(file.c_str()), ERROR_ACCESS_DENIED);
+    EXPECT_TRUE(::SetFileAttributesA(file.c_str(), FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_ARCHIVE));
+    EXPECT_EQ(::GetFileAttributesA(file.c_str()), FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_ARCHIVE);
+    EXPECT_TRUE(::SetFileAttributesA(file.c_str(), FILE_ATTRIBUTE_ARCHIVE));
+    EXPECT_EQ(::GetFileAttributesA(file.c_str()), FILE_ATTRIBUTE_ARCHIVE);
+    EXPECT_TRUE(::SetFileAttributesA(inner.c_str(), FILE_ATTRIBUTE_NORMAL));
+    EXPECT_EQ(::GetFileAttributesA(inner.c_str()), FILE_ATTRIBUTE_DIRECTORY);
+    EXPECT_TRUE(::SetFileAttributesA(file.c_str(), FILE_ATTRIBUTE_NORMAL));
+    EXPECT_TRUE(::DeleteFileA(file.c_str()));
+}
+
+TEST(SeamFileName, AttributesOfWhatIsMissingCannotBeSet)
+{
+    ScratchFolder const folder;
+    auto const error = [](char const* path) {
+        return ErrorOf([&] { EXPECT_FALSE(::SetFileAttributesA(path, FILE_ATTRIBUTE_NORMAL)); });
+    };
+    EXPECT_EQ(error((folder / "none").c_str()), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(error((folder / "none/a").c_str()), ERROR_PATH_NOT_FOUND);
+    EXPECT_EQ(error(""), ERROR_PATH_NOT_FOUND);
+    EXPECT_EQ(error(nullptr), ERROR_PATH_NOT_FOUND);
+}
+
 TEST(SeamFileName, DeleteRemovesFilesAlone)
 {
     ScratchFolder const folder;

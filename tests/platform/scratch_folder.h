@@ -1,4 +1,4 @@
-// A folder of its own for each test, below the current directory, removed at the end.
+// A folder of its own for each test, below the current directory, removed at the end; and files as bytes.
 #pragma once
 
 #include "quarn/platform/win32_api.h"
@@ -7,7 +7,24 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <set>
 #include <string>
+
+#include <gtest/gtest.h>
+
+inline std::string ContentOf(std::string const& path)
+{
+    std::ifstream file(path, std::ios_base::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+inline void WriteContent(std::string const& path, std::string const& content)
+{
+    std::ofstream file(path, std::ios_base::binary);
+    file << content;
+    file.close();
+    ASSERT_TRUE(file.good()) << path;
+}
 
 class ScratchFolder
 {
@@ -15,7 +32,8 @@ public:
     ScratchFolder()
     {
         static std::atomic<int> count = 0;
-        m_path = "platform_test." + std::to_string(::GetCurrentProcessId()) + "." + std::to_string(++count);
+        m_path = "scratch." + std::to_string(::GetCurrentProcessId()) + "." + std::to_string(++count);
+        std::filesystem::remove_all(m_path); // what a killed process of the same number has left
         std::filesystem::create_directory(m_path);
     }
     ScratchFolder(ScratchFolder const&) = delete;
@@ -31,13 +49,14 @@ public:
         std::filesystem::remove_all(m_path, ignored);
     }
 
-    // The path of a name in the folder, relative to the current directory.
+    // Relative to the current directory, as the paths of the names in it.
+    std::string const& Path() const { return m_path; }
     std::string operator/(std::string const& name) const { return m_path + "/" + name; }
 
     std::string Make(std::string const& name, std::string const& content = "content") const
     {
         std::string path = *this / name;
-        std::ofstream(path, std::ios_base::binary) << content;
+        WriteContent(path, content);
         return path;
     }
     std::string MakeFolder(std::string const& name) const
@@ -46,16 +65,19 @@ public:
         std::filesystem::create_directory(path);
         return path;
     }
+    // The names of all that is in the folder.
+    std::set<std::string> Names() const
+    {
+        std::set<std::string> names;
+        for (auto const& entry : std::filesystem::directory_iterator(m_path)) {
+            names.insert(entry.path().filename().string());
+        }
+        return names;
+    }
 
 private:
     std::string m_path;
 };
-
-inline std::string ContentOf(std::string const& path)
-{
-    std::ifstream file(path, std::ios_base::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 inline void MakeReadOnly(std::string const& path)
 {

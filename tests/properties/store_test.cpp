@@ -3,7 +3,7 @@
 #include "quarn/properties/win32/xml_persist.h"
 
 #include "private_folders.h"
-#include "scratch.h"
+#include "tests/platform/scratch_folder.h"
 #include "tree_dump.h"
 
 #include <cstring>
@@ -23,7 +23,7 @@ protected:
 
     void WriteFile(std::string const& values) const
     {
-        WriteBytes(Path(), "<Settings><Key Name='Loaded'>" + values + "</Key></Settings>");
+        WriteContent(Path(), "<Settings><Key Name='Loaded'>" + values + "</Key></Settings>");
     }
 };
 
@@ -57,7 +57,7 @@ TEST_F(Store, WithoutAFilePopulateIsFalseAndTheNextPersistWritesAnEmptyDocument)
     EXPECT_FALSE(store.PopulatedOK());
     EXPECT_TRUE(store.Dirty());
     EXPECT_TRUE(store.Persist(false));
-    EXPECT_EQ(ReadBytes(Path()), "\n<Quarn_Properties>\n\n  <Key Name=\"Store\"/>\n\n</Quarn_Properties>");
+    EXPECT_EQ(ContentOf(Path()), "\n<Quarn_Properties>\n\n  <Key Name=\"Store\"/>\n\n</Quarn_Properties>");
     EXPECT_FALSE(store.Dirty());
 }
 
@@ -82,7 +82,7 @@ TEST_F(Store, PopulatedOKTellsOfTheLastPopulate)
     EXPECT_TRUE(store.Populate());
     QuarnProperties copy(store);
     EXPECT_TRUE(copy.PopulatedOK());
-    WriteBytes(Path(), "broken");
+    WriteContent(Path(), "broken");
     EXPECT_FALSE(store.Populate());
     EXPECT_FALSE(store.PopulatedOK());
     EXPECT_TRUE(copy.PopulatedOK());
@@ -95,17 +95,17 @@ TEST_F(Store, PersistWritesOnlyWhatChangedUnlessForced)
     WriteFile("<Value Name='a' Type='int32'>1</Value>");
     QuarnProperties store(m_file, "Store");
     ASSERT_TRUE(store.Populate());
-    std::string const bytes = ReadBytes(Path());
+    std::string const bytes = ContentOf(Path());
     EXPECT_TRUE(store.Persist(false));
-    EXPECT_EQ(ReadBytes(Path()), bytes);
+    EXPECT_EQ(ContentOf(Path()), bytes);
     EXPECT_TRUE(store.Persist(true));
-    EXPECT_NE(ReadBytes(Path()), bytes);
+    EXPECT_NE(ContentOf(Path()), bytes);
     store.SetValue("a", PropertyData(1), true);
     EXPECT_FALSE(store.Dirty());
     store.SetValue("a", PropertyData(2), true);
     EXPECT_TRUE(store.Persist(false));
     EXPECT_FALSE(store.Dirty());
-    EXPECT_NE(ReadBytes(Path()).find(">2<"), std::string::npos);
+    EXPECT_NE(ContentOf(Path()).find(">2<"), std::string::npos);
 }
 
 TEST_F(Store, ADirtyStoreSavesItselfAtDestruction)
@@ -136,7 +136,7 @@ TEST_F(Store, ACleanStoreAndOneThatIsToldSoDoNotSaveThemselves)
 TEST_F(Store, AFailedSaveLeavesTheStoreDirtyAndTheFileAsItWas)
 {
     WriteFile("<Value Name='a' Type='int32'>1</Value>");
-    std::string const bytes = ReadBytes(Path());
+    std::string const bytes = ContentOf(Path());
     {
         QuarnProperties store(m_file, "Store");
         ASSERT_TRUE(store.Populate());
@@ -144,7 +144,7 @@ TEST_F(Store, AFailedSaveLeavesTheStoreDirtyAndTheFileAsItWas)
         EXPECT_FALSE(store.Persist(false));
         EXPECT_TRUE(store.Dirty());
     }
-    EXPECT_EQ(ReadBytes(Path()), bytes);
+    EXPECT_EQ(ContentOf(Path()), bytes);
 }
 
 TEST_F(Store, ClearEmptiesAndIsDirty)
@@ -186,7 +186,7 @@ TEST_F(Store, DestroysThroughTheBaseClass)
 // A file that could not be loaded gets a second name before it is replaced.
 TEST_F(Store, TheOnlyCopyOfUnreadableSettingsIsNeverOverwritten)
 {
-    WriteBytes(Path(), "<Quarn_Properties><Key Name='cut");
+    WriteContent(Path(), "<Quarn_Properties><Key Name='cut");
     {
         QuarnProperties store(m_file, "Store");
         EXPECT_FALSE(store.Populate());
@@ -195,7 +195,7 @@ TEST_F(Store, TheOnlyCopyOfUnreadableSettingsIsNeverOverwritten)
     }
     std::vector<std::string> const backups = Backups();
     ASSERT_EQ(backups.size(), 1U);
-    EXPECT_EQ(ReadBytes(backups[0]), "<Quarn_Properties><Key Name='cut");
+    EXPECT_EQ(ContentOf(backups[0]), "<Quarn_Properties><Key Name='cut");
     QuarnProperties store(m_file, "Store");
     EXPECT_TRUE(store.Populate());
     EXPECT_EQ(store.GetValueInt32("default", 0), 1);

@@ -1,7 +1,7 @@
 // Files that nobody's settings are: false, in bounded time and memory, and no other file is read.
 #include "quarn/properties/win32/xml_persist.h"
 
-#include "scratch.h"
+#include "tests/platform/scratch_folder.h"
 #include "tree_dump.h"
 
 #include <vector>
@@ -33,8 +33,8 @@ void ExpectRefused(Quarn::string const& path)
 
 void ExpectDocumentRefused(std::string const& document)
 {
-    Scratch const scratch;
-    WriteBytes(scratch / "settings.xml", document);
+    ScratchFolder const scratch;
+    WriteContent(scratch / "settings.xml", document);
     SCOPED_TRACE(document.substr(0, 200));
     ExpectRefused(scratch / "settings.xml");
 }
@@ -62,20 +62,20 @@ TEST(XmlHostile, EveryDocumentTypeIsRefused)
 
 TEST(XmlHostile, NoOtherFileIsRead)
 {
-    Scratch const scratch;
+    ScratchFolder const scratch;
     std::string const secret = "<Value Name='secret' Type='string'>secret</Value>";
-    WriteBytes(scratch / "secret.xml", secret);
-    WriteBytes(scratch / "secret.dtd", "<!ENTITY e 'secret'>");
-    std::string const absolute = std::filesystem::absolute(scratch.Folder()).generic_string();
+    WriteContent(scratch / "secret.xml", secret);
+    WriteContent(scratch / "secret.dtd", "<!ENTITY e 'secret'>");
+    std::string const absolute = std::filesystem::absolute(scratch.Path()).generic_string();
     for (std::string const& base :
-         {std::string(), scratch.Folder() + "/", absolute + "/", "file://" + absolute + "/"}) {
+         {std::string(), scratch.Path() + "/", absolute + "/", "file://" + absolute + "/"}) {
         for (std::string const& document : {
                  "<!DOCTYPE d [<!ENTITY e SYSTEM '" + base + "secret.xml'>]><d><Key Name='n'>&e;</Key></d>",
                  "<!DOCTYPE d [<!ENTITY % e SYSTEM '" + base +
                      "secret.dtd'>%e;]><d><Key Name='n'>&e;</Key></d>",
                  "<!DOCTYPE d SYSTEM '" + base + "secret.dtd'><d><Key Name='&e;'/></d>",
              }) {
-            WriteBytes(scratch / "settings.xml", document);
+            WriteContent(scratch / "settings.xml", document);
             PropertyCollection collection;
             EXPECT_FALSE(XMLPropPersist(scratch / "settings.xml").Populate(&collection)) << document;
             EXPECT_EQ(Dump(collection).find("secret"), std::string::npos) << document;
@@ -83,10 +83,10 @@ TEST(XmlHostile, NoOtherFileIsRead)
         }
     }
     // References of other kinds are plain data.
-    WriteBytes(scratch / "settings.xml", "<d xmlns:xi='http://www.w3.org/2001/XInclude' xmlns:xsi="
-                                         "'http://www.w3.org/2001/XMLSchema-instance' "
-                                         "xsi:noNamespaceSchemaLocation='secret.xml'><Key Name='n'>"
-                                         "<xi:include Name='i' href='secret.xml'/></Key></d>");
+    WriteContent(scratch / "settings.xml", "<d xmlns:xi='http://www.w3.org/2001/XInclude' xmlns:xsi="
+                                           "'http://www.w3.org/2001/XMLSchema-instance' "
+                                           "xsi:noNamespaceSchemaLocation='secret.xml'><Key Name='n'>"
+                                           "<xi:include Name='i' href='secret.xml'/></Key></d>");
     PropertyCollection collection;
     EXPECT_TRUE(XMLPropPersist(scratch / "settings.xml").Populate(&collection));
     EXPECT_EQ(Dump(collection).find("secret"), std::string::npos);
@@ -113,8 +113,8 @@ TEST(XmlHostile, EntityBombsAreRefusedAtOnce)
 
 TEST(XmlHostile, KeysDeeperThanAThousandLevelsAreRefused)
 {
-    Scratch const scratch;
-    WriteBytes(scratch / "settings.xml", Nested(999, "<Key Name='k'>", "</Key>"));
+    ScratchFolder const scratch;
+    WriteContent(scratch / "settings.xml", Nested(999, "<Key Name='k'>", "</Key>"));
     PropertyCollection collection;
     EXPECT_TRUE(XMLPropPersist(scratch / "settings.xml").Populate(&collection));
     ExpectDocumentRefused(Nested(1000, "<Key Name='k'>", "</Key>"));
@@ -130,8 +130,8 @@ TEST(XmlHostile, LevelsInPathsCount)
         }
         return document + "\\'/></Key></d>";
     };
-    Scratch const scratch;
-    WriteBytes(scratch / "settings.xml", path(999));
+    ScratchFolder const scratch;
+    WriteContent(scratch / "settings.xml", path(999));
     PropertyCollection collection;
     EXPECT_TRUE(XMLPropPersist(scratch / "settings.xml").Populate(&collection));
     ExpectDocumentRefused(path(1000));
@@ -145,8 +145,8 @@ TEST(XmlHostile, ElementsThatLeaveNothingMayBeDeeperButNotWithoutEnd)
 {
     for (std::string const start : {"<x Name='n'>", "<Key Name=''>"}) {
         std::string const end = "</" + start.substr(1, start.find(' ') - 1) + ">";
-        Scratch const scratch;
-        WriteBytes(scratch / "settings.xml", Nested(5000, start, end));
+        ScratchFolder const scratch;
+        WriteContent(scratch / "settings.xml", Nested(5000, start, end));
         PropertyCollection collection;
         EXPECT_TRUE(XMLPropPersist(scratch / "settings.xml").Populate(&collection));
         EXPECT_EQ(collection.GetKeyCount(), 0U);
@@ -164,9 +164,9 @@ TEST(XmlHostile, CrowdsOfNamesAndAttributesTakeBoundedTime)
         elements += "<e" + std::to_string(i) + " Name='x'/>";
         attributes += " a" + std::to_string(i) + "='x'";
     }
-    Scratch const scratch;
+    ScratchFolder const scratch;
     for (std::string const& document : {elements + "</Key></d>", attributes + "/></d>"}) {
-        WriteBytes(scratch / "settings.xml", document);
+        WriteContent(scratch / "settings.xml", document);
         PropertyCollection collection;
         EXPECT_TRUE(XMLPropPersist(scratch / "settings.xml").Populate(&collection));
         EXPECT_EQ(collection.GetName(), "n");
@@ -176,8 +176,8 @@ TEST(XmlHostile, CrowdsOfNamesAndAttributesTakeBoundedTime)
 TEST(XmlHostile, NamesAndFilesBeyondTheBoundsAreRefused)
 {
     ExpectDocumentRefused("<d><Key Name='" + std::string((std::size_t{16} << 20) + 1, 'x') + "'/></d>");
-    Scratch const scratch;
-    WriteBytes(scratch / "settings.xml", kBody);
+    ScratchFolder const scratch;
+    WriteContent(scratch / "settings.xml", kBody);
     // Sparse where the file system can do it.
     std::filesystem::resize_file(std::string(scratch / "settings.xml"), (std::uintmax_t{256} << 20) + 1);
     ExpectRefused(scratch / "settings.xml");
@@ -185,14 +185,14 @@ TEST(XmlHostile, NamesAndFilesBeyondTheBoundsAreRefused)
 
 TEST(XmlHostile, ADocumentCutAnywhereIsRefused)
 {
-    std::string const document = ReadBytes(QUARN_TEST_DATA "/xml/holvek.xml");
-    Scratch const scratch;
+    std::string const document = ContentOf(QUARN_TEST_DATA "/xml/holvek.xml");
+    ScratchFolder const scratch;
     PropertyCollection collection;
-    WriteBytes(scratch / "settings.xml", document);
+    WriteContent(scratch / "settings.xml", document);
     ASSERT_TRUE(XMLPropPersist(scratch / "settings.xml").Populate(&collection));
     for (std::size_t size = 0; size < document.size(); ++size) {
         SCOPED_TRACE(size);
-        WriteBytes(scratch / "settings.xml", document.substr(0, size));
+        WriteContent(scratch / "settings.xml", document.substr(0, size));
         ExpectRefused(scratch / "settings.xml");
     }
 }
@@ -209,8 +209,8 @@ TEST(XmlHostile, WrongEncodingsAreRefusedAndRightOnesRead)
          {kBody, "\xEF\xBB\xBF" + kBody, utf16le, utf16be, "<?xml version='1.0' encoding='UTF-8'?>" + kBody,
           "<?xml version='1.0' encoding='ISO-8859-1'?>" + kBody,
           "<?xml version='1.0' encoding='US-ASCII'?>" + kBody}) {
-        Scratch const scratch;
-        WriteBytes(scratch / "settings.xml", document);
+        ScratchFolder const scratch;
+        WriteContent(scratch / "settings.xml", document);
         PropertyCollection collection;
         EXPECT_TRUE(XMLPropPersist(scratch / "settings.xml").Populate(&collection)) << document;
         EXPECT_EQ(collection.GetValueString("a", ""), "text");
@@ -244,8 +244,8 @@ TEST(XmlHostile, EmptyAndZeroFilesAndFoldersAreRefused)
     // The parser alone would stop at the zero byte and be content.
     ExpectDocumentRefused(kBody + '\0' + "garbage");
     ExpectDocumentRefused(kBody + kBody);
-    Scratch const scratch;
-    ExpectRefused(Quarn::string(scratch.Folder()));
+    ScratchFolder const scratch;
+    ExpectRefused(Quarn::string(scratch.Path()));
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #include "quarn/properties/win32/xml_persist.h"
 
 #include "code_page.h"
-#include "scratch.h"
+#include "tests/platform/scratch_folder.h"
 #include "tree_dump.h"
 
 #include <gtest/gtest.h>
@@ -15,7 +15,7 @@ using Quarn::Win32::XMLPropPersist;
 
 std::string Golden(std::string const& name)
 {
-    return ReadBytes(QUARN_TEST_DATA "/xml/" + name);
+    return ContentOf(QUARN_TEST_DATA "/xml/" + name);
 }
 
 PropertyCollection Holvek()
@@ -36,23 +36,23 @@ PropertyCollection Holvek()
 // The files in tests/data are written by hand and the same for all systems.
 void ExpectGolden(PropertyCollection const& collection, std::string const& name)
 {
-    Scratch const scratch;
+    ScratchFolder const scratch;
     XMLPropPersist const file(scratch / name);
     ASSERT_TRUE(file.Persist(&collection));
-    EXPECT_EQ(ReadBytes(scratch / name), Golden(name));
+    EXPECT_EQ(ContentOf(scratch / name), Golden(name));
 
     PropertyCollection loaded;
     ASSERT_TRUE(XMLPropPersist(Quarn::string(QUARN_TEST_DATA "/xml/" + name)).Populate(&loaded));
     EXPECT_EQ(Dump(loaded), Dump(collection));
     ASSERT_TRUE(file.Persist(&loaded));
-    EXPECT_EQ(ReadBytes(scratch / name), Golden(name));
+    EXPECT_EQ(ContentOf(scratch / name), Golden(name));
 }
 
 // Populates a collection from the text of a document.
 bool Load(std::string const& document, PropertyCollection& collection)
 {
-    Scratch const scratch;
-    WriteBytes(scratch / "settings.xml", document);
+    ScratchFolder const scratch;
+    WriteContent(scratch / "settings.xml", document);
     return XMLPropPersist(scratch / "settings.xml").Populate(&collection);
 }
 
@@ -206,7 +206,7 @@ TEST(XmlPersist, KeyNamesArePaths)
     collection.AddSubKey("K")->SetValue("1", PropertyData(1), true);
     collection.AddSubKey("other")->SetName("k");
     collection.GetSubKey(3)->SetValue("2", PropertyData(2), true);
-    Scratch const scratch;
+    ScratchFolder const scratch;
     XMLPropPersist const file(scratch / "settings.xml");
     ASSERT_TRUE(file.Persist(&collection));
     PropertyCollection loaded;
@@ -219,7 +219,7 @@ TEST(XmlPersist, KeyNamesArePaths)
 
 TEST(XmlPersist, SavingLeavesTheDirtyFlags)
 {
-    Scratch const scratch;
+    ScratchFolder const scratch;
     PropertyCollection collection = Holvek();
     ASSERT_TRUE(collection.Dirty());
     EXPECT_TRUE(XMLPropPersist(scratch / "a.xml").Persist(&collection));
@@ -228,24 +228,23 @@ TEST(XmlPersist, SavingLeavesTheDirtyFlags)
 
 TEST(XmlPersist, ExistsTellsOfFilesAndFolders)
 {
-    Scratch const scratch;
-    WriteBytes(scratch / "file", "x");
+    ScratchFolder const scratch;
+    WriteContent(scratch / "file", "x");
     EXPECT_TRUE(XMLPropPersist(scratch / "file").Exists());
-    EXPECT_TRUE(XMLPropPersist(scratch.Folder()).Exists());
+    EXPECT_TRUE(XMLPropPersist(scratch.Path()).Exists());
     EXPECT_FALSE(XMLPropPersist(scratch / "missing").Exists());
     EXPECT_FALSE(XMLPropPersist("").Exists());
 }
 
 TEST(XmlPersist, MissingFilesFoldersAndEmptyPathsAreFalse)
 {
-    Scratch const scratch;
+    ScratchFolder const scratch;
     PropertyCollection collection = Holvek();
-    for (Quarn::string const& path : {scratch / "missing", scratch / "missing/file",
-                                      Quarn::string(scratch.Folder()), Quarn::string("")}) {
+    for (std::string const& path :
+         {scratch / "missing", scratch / "missing/file", scratch.Path(), std::string()}) {
         EXPECT_FALSE(XMLPropPersist(path).Populate(&collection)) << path;
     }
-    for (Quarn::string const& path :
-         {scratch / "missing/file", Quarn::string(scratch.Folder()), Quarn::string("")}) {
+    for (std::string const& path : {scratch / "missing/file", scratch.Path(), std::string()}) {
         EXPECT_FALSE(XMLPropPersist(path).Persist(&collection)) << path;
     }
     EXPECT_TRUE(scratch.Names().empty());
@@ -254,24 +253,24 @@ TEST(XmlPersist, MissingFilesFoldersAndEmptyPathsAreFalse)
 
 TEST(XmlPersist, NullIsFalse)
 {
-    Scratch const scratch;
-    WriteBytes(scratch / "a.xml", Golden("holvek.xml"));
+    ScratchFolder const scratch;
+    WriteContent(scratch / "a.xml", Golden("holvek.xml"));
     EXPECT_FALSE(XMLPropPersist(scratch / "a.xml").Populate(nullptr));
     EXPECT_FALSE(XMLPropPersist(scratch / "a.xml").Persist(nullptr));
-    EXPECT_EQ(ReadBytes(scratch / "a.xml"), Golden("holvek.xml"));
+    EXPECT_EQ(ContentOf(scratch / "a.xml"), Golden("holvek.xml"));
 }
 
 TEST(XmlPersist, RemoveDeliberatelyDoesNothing)
 {
-    Scratch const scratch;
-    WriteBytes(scratch / "a.xml", "x");
+    ScratchFolder const scratch;
+    WriteContent(scratch / "a.xml", "x");
     EXPECT_FALSE(XMLPropPersist(scratch / "a.xml").Remove());
-    EXPECT_EQ(ReadBytes(scratch / "a.xml"), "x");
+    EXPECT_EQ(ContentOf(scratch / "a.xml"), "x");
 }
 
 TEST(XmlPersist, CopiesServeTheSamePath)
 {
-    Scratch const scratch;
+    ScratchFolder const scratch;
     PropertyCollection const collection = Holvek();
     XMLPropPersist const first(scratch / "a.xml");
     XMLPropPersist second(first);

@@ -3,7 +3,7 @@
 #include "quarn/properties/win32/xml_persist.h"
 
 #include "platform/child_process.h"
-#include "scratch.h"
+#include "tests/platform/scratch_folder.h"
 
 #include <cstdlib>
 #include <memory>
@@ -37,7 +37,7 @@ void ExpectWhole(Quarn::string const& path)
 
 TEST(XmlProcesses, SaversAndReadersSeeWholeDocuments)
 {
-    Scratch const scratch;
+    ScratchFolder const scratch;
     ASSERT_TRUE(Save(scratch / "a.xml", '0'));
     std::vector<std::unique_ptr<ChildProcess>> savers;
     for (char const* const digit : {"1", "2", "3"}) {
@@ -58,7 +58,7 @@ TEST(XmlProcesses, SaversAndReadersSeeWholeDocuments)
 
 TEST(XmlProcesses, AKilledSaverLeavesTheOldDocumentOrTheNew)
 {
-    Scratch const scratch;
+    ScratchFolder const scratch;
     ASSERT_TRUE(Save(scratch / "a.xml", '0'));
     for (unsigned int i = 0; i < 15; ++i) {
         std::filesystem::remove(std::string(scratch / "started"));

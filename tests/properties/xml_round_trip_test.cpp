@@ -2,7 +2,7 @@
 #include "quarn/properties/win32/xml_persist.h"
 
 #include "code_page.h"
-#include "scratch.h"
+#include "tests/platform/scratch_folder.h"
 #include "tree_dump.h"
 
 #include <vector>
@@ -61,15 +61,15 @@ std::vector<std::string> const& Texts()
 // Saves, loads, compares, and saves again into the same bytes.
 void ExpectRoundTrip(PropertyCollection const& collection)
 {
-    Scratch const scratch;
+    ScratchFolder const scratch;
     XMLPropPersist const file(scratch / "settings.xml");
     ASSERT_TRUE(file.Persist(&collection));
-    std::string const bytes = ReadBytes(scratch / "settings.xml");
+    std::string const bytes = ContentOf(scratch / "settings.xml");
     PropertyCollection loaded;
     ASSERT_TRUE(file.Populate(&loaded));
     ASSERT_TRUE(Dump(loaded) == Dump(collection));
     ASSERT_TRUE(file.Persist(&loaded));
-    EXPECT_TRUE(ReadBytes(scratch / "settings.xml") == bytes);
+    EXPECT_TRUE(ContentOf(scratch / "settings.xml") == bytes);
 }
 
 TEST(XmlRoundTrip, TextsComeBackExactly)
@@ -138,10 +138,10 @@ TEST(XmlRoundTrip, AThousandLevelsOfKeysComeBack)
 // A save of what no file can carry: false, and the old file is as it was.
 void ExpectRefused(PropertyCollection const& collection)
 {
-    Scratch const scratch;
-    WriteBytes(scratch / "settings.xml", "old");
+    ScratchFolder const scratch;
+    WriteContent(scratch / "settings.xml", "old");
     EXPECT_FALSE(XMLPropPersist(scratch / "settings.xml").Persist(&collection));
-    EXPECT_EQ(ReadBytes(scratch / "settings.xml"), "old");
+    EXPECT_EQ(ContentOf(scratch / "settings.xml"), "old");
     EXPECT_EQ(scratch.Names().size(), 1U);
     EXPECT_FALSE(XMLPropPersist(scratch / "new.xml").Persist(&collection));
     EXPECT_EQ(scratch.Names().size(), 1U);

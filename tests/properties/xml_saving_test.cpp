@@ -2,7 +2,7 @@
 #include "quarn/platform/win32_api.h"
 #include "quarn/properties/win32/xml_persist.h"
 
-#include "scratch.h"
+#include "tests/platform/scratch_folder.h"
 #include "tree_dump.h"
 
 #include <chrono>
@@ -40,7 +40,7 @@ using Names = std::set<std::string>;
 
 TEST(XmlSaving, LeavesNothingButTheFile)
 {
-    Scratch const scratch;
+    ScratchFolder const scratch;
     for (char const* const name :
          {"a.xml", "noextension", ".xml", "a.tmp", "two.dots.xml", "trailing_1.xml"}) {
         EXPECT_TRUE(Save(scratch / name, "1")) << name;
@@ -53,11 +53,11 @@ TEST(XmlSaving, LeavesNothingButTheFile)
 
 TEST(XmlSaving, RelativeAbsoluteAndDottedPathsLeadToTheSameFile)
 {
-    Scratch const scratch;
-    std::string const absolute = std::filesystem::absolute(scratch.Folder()).string();
+    ScratchFolder const scratch;
+    std::string const absolute = std::filesystem::absolute(scratch.Path()).string();
     for (std::string const& path :
-         {scratch.Folder() + "/a.xml", absolute + "/a.xml", scratch.Folder() + "/./a.xml",
-          scratch.Folder() + "/../" + scratch.Folder() + "/a.xml"}) {
+         {scratch.Path() + "/a.xml", absolute + "/a.xml", scratch.Path() + "/./a.xml",
+          scratch.Path() + "/../" + scratch.Path() + "/a.xml"}) {
         EXPECT_TRUE(Save(path, path));
         EXPECT_EQ(LoadText(scratch / "a.xml"), path);
     }
@@ -66,7 +66,7 @@ TEST(XmlSaving, RelativeAbsoluteAndDottedPathsLeadToTheSameFile)
 
 TEST(XmlSaving, ANewFileIsShorterOrLongerThanTheOld)
 {
-    Scratch const scratch;
+    ScratchFolder const scratch;
     for (std::size_t size : {10U, 100000U, 10U, 0U}) {
         EXPECT_TRUE(Save(scratch / "a.xml", std::string(size, 'x')));
         EXPECT_EQ(LoadText(scratch / "a.xml"), std::string(size, 'x'));
@@ -75,7 +75,7 @@ TEST(XmlSaving, ANewFileIsShorterOrLongerThanTheOld)
 
 TEST(XmlSaving, AReadOnlyFileIsNotReplaced)
 {
-    Scratch const scratch;
+    ScratchFolder const scratch;
     ASSERT_TRUE(Save(scratch / "a.xml", "old"));
     std::filesystem::path const path(std::string(scratch / "a.xml"));
     using std::filesystem::perms;
@@ -89,7 +89,7 @@ TEST(XmlSaving, AReadOnlyFileIsNotReplaced)
 
 TEST(XmlSaving, AFolderUnderTheNameIsNotReplaced)
 {
-    Scratch const scratch;
+    ScratchFolder const scratch;
     std::filesystem::create_directory(std::string(scratch / "a.xml"));
     PropertyCollection collection = Tree("new");
     XMLPropPersist const file(scratch / "a.xml");
@@ -103,9 +103,9 @@ TEST(XmlSaving, AFolderUnderTheNameIsNotReplaced)
 #ifndef _WIN32
 TEST(XmlSaving, AnOpenReaderIsInNobodysWay)
 {
-    Scratch const scratch;
+    ScratchFolder const scratch;
     ASSERT_TRUE(Save(scratch / "a.xml", "old"));
-    std::string const old = ReadBytes(scratch / "a.xml");
+    std::string const old = ContentOf(scratch / "a.xml");
     HANDLE const reader = ::CreateFileA((scratch / "a.xml").c_str(), GENERIC_READ,
                                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                         OPEN_EXISTING, 0, nullptr);
@@ -123,7 +123,7 @@ TEST(XmlSaving, AnOpenReaderIsInNobodysWay)
 // Windows refuses to replace a file that is open; a save waits two seconds for it.
 TEST(XmlSaving, AReaderThatClosesTheFileSoonIsInNobodysWay)
 {
-    Scratch const scratch;
+    ScratchFolder const scratch;
     ASSERT_TRUE(Save(scratch / "a.xml", "old"));
     HANDLE const reader = ::CreateFileA((scratch / "a.xml").c_str(), GENERIC_READ,
                                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
@@ -140,12 +140,12 @@ TEST(XmlSaving, AReaderThatClosesTheFileSoonIsInNobodysWay)
 
 TEST(XmlSaving, ADeadSaversTemporaryFilesGoWithTheNextSaveAndNoOthers)
 {
-    Scratch const scratch;
+    ScratchFolder const scratch;
     ASSERT_TRUE(Save(scratch / "a.xml", "1"));
     // What a saver of this file and of another one would leave; the names are hashes of "a.xml" and "b.xml".
-    WriteBytes(scratch / ".~92c25f7b-1-1.tmp", "half");
-    WriteBytes(scratch / ".~92c25f7b-ffff-2.tmp", "half");
-    WriteBytes(scratch / ".~7f09615a-1-1.tmp", "half");
+    WriteContent(scratch / ".~92c25f7b-1-1.tmp", "half");
+    WriteContent(scratch / ".~92c25f7b-ffff-2.tmp", "half");
+    WriteContent(scratch / ".~7f09615a-1-1.tmp", "half");
     EXPECT_TRUE(Save(scratch / "a.xml", "2"));
     EXPECT_EQ(scratch.Names(), (Names{"a.xml", ".~7f09615a-1-1.tmp"}));
     EXPECT_TRUE(Save(scratch / "b.xml", "2"));
@@ -153,7 +153,7 @@ TEST(XmlSaving, ADeadSaversTemporaryFilesGoWithTheNextSaveAndNoOthers)
 }
 
 // The names of second names: the base, an underscore, the stamp in lower-case hexadecimal, the extension.
-std::vector<std::string> SecondNames(Scratch const& scratch, std::string const& base,
+std::vector<std::string> SecondNames(ScratchFolder const& scratch, std::string const& base,
                                      std::string const& extension)
 {
     std::vector<std::string> found;
@@ -177,18 +177,18 @@ std::vector<std::string> SecondNames(Scratch const& scratch, std::string const& 
 
 TEST(XmlSaving, AFileThatDoesNotLoadGetsASecondNameOnce)
 {
-    Scratch const scratch;
+    ScratchFolder const scratch;
     PropertyCollection collection = Tree("new");
     for (char const* const name : {"a.xml", "noextension"}) {
         std::string const base = std::filesystem::path(name).stem().string();
         std::string const extension = std::filesystem::path(name).extension().string();
-        WriteBytes(scratch / name, "broken");
+        WriteContent(scratch / name, "broken");
         XMLPropPersist const file(scratch / name);
         EXPECT_FALSE(file.Populate(&collection));
         EXPECT_TRUE(file.Persist(&collection));
         std::vector<std::string> const names = SecondNames(scratch, base, extension);
         ASSERT_EQ(names.size(), 1U);
-        EXPECT_EQ(ReadBytes(scratch / names[0]), "broken");
+        EXPECT_EQ(ContentOf(scratch / names[0]), "broken");
         EXPECT_EQ(LoadText(scratch / name), "new");
         EXPECT_TRUE(file.Persist(&collection));
         EXPECT_TRUE(file.Populate(&collection));
@@ -199,41 +199,41 @@ TEST(XmlSaving, AFileThatDoesNotLoadGetsASecondNameOnce)
 
 TEST(XmlSaving, AFileThatLoadsInPartGetsASecondNameToo)
 {
-    Scratch const scratch;
+    ScratchFolder const scratch;
     std::string const partial = "<Quarn_Properties><Key Name='n'><Value/></Key></Quarn_Properties>";
-    WriteBytes(scratch / "a.xml", partial);
+    WriteContent(scratch / "a.xml", partial);
     XMLPropPersist const file(scratch / "a.xml");
     PropertyCollection collection;
     ASSERT_TRUE(file.Populate(&collection));
     EXPECT_TRUE(file.Persist(&collection));
     std::vector<std::string> const names = SecondNames(scratch, "a", ".xml");
     ASSERT_EQ(names.size(), 1U);
-    EXPECT_EQ(ReadBytes(scratch / names[0]), partial);
+    EXPECT_EQ(ContentOf(scratch / names[0]), partial);
 }
 
 TEST(XmlSaving, SecondNamesThatAreTakenStay)
 {
-    Scratch const scratch;
+    ScratchFolder const scratch;
     PropertyCollection collection = Tree("new");
     XMLPropPersist const file(scratch / "a.xml");
     for (std::size_t count = 1; count <= 4; ++count) {
         std::string const broken = "broken " + std::to_string(count);
-        WriteBytes(scratch / "a.xml", broken);
+        WriteContent(scratch / "a.xml", broken);
         EXPECT_FALSE(file.Populate(&collection));
         EXPECT_TRUE(file.Persist(&collection));
         EXPECT_EQ(SecondNames(scratch, "a", ".xml").size(), count);
     }
     Names contents;
     for (std::string const& name : SecondNames(scratch, "a", ".xml")) {
-        contents.insert(ReadBytes(scratch / name));
+        contents.insert(ContentOf(scratch / name));
     }
     EXPECT_EQ(contents, (Names{"broken 1", "broken 2", "broken 3", "broken 4"}));
 }
 
 TEST(XmlSaving, ACopyKnowsThatTheFileDidNotLoad)
 {
-    Scratch const scratch;
-    WriteBytes(scratch / "a.xml", "broken");
+    ScratchFolder const scratch;
+    WriteContent(scratch / "a.xml", "broken");
     PropertyCollection collection = Tree("new");
     XMLPropPersist const file(scratch / "a.xml");
     EXPECT_FALSE(file.Populate(&collection));
@@ -244,7 +244,7 @@ TEST(XmlSaving, ACopyKnowsThatTheFileDidNotLoad)
 
 TEST(XmlSaving, ThreadsSaveAndLoadOneFile)
 {
-    Scratch const scratch;
+    ScratchFolder const scratch;
     ASSERT_TRUE(Save(scratch / "a.xml", std::string(10000, '0')));
     std::vector<std::thread> threads;
     for (char digit = '1'; digit <= '2'; ++digit) {

@@ -130,6 +130,22 @@ DWORD GetFileAttributesA(char const* path)
     return AttributesOf(status);
 }
 
+BOOL SetFileAttributesA(char const* path, DWORD attributes)
+{
+    path = PathOrEmpty(path);
+    struct ::stat status;
+    if (::stat(path, &status) != 0) {
+        return FailPath(path);
+    }
+    bool const readOnly = (attributes & FILE_ATTRIBUTE_READONLY) != 0;
+    if (!S_ISREG(status.st_mode) || IsReadOnly(status) == readOnly) {
+        return TRUE;
+    }
+    constexpr mode_t All = S_IWUSR | S_IWGRP | S_IWOTH;
+    mode_t const mode = status.st_mode & 07777;
+    return ::chmod(path, readOnly ? mode & ~All : mode | S_IWUSR) == 0 ? TRUE : FailPath(path);
+}
+
 BOOL DeleteFileA(char const* path)
 {
     path = PathOrEmpty(path);

@@ -7,7 +7,9 @@
 
 namespace Quarn::detail {
 
-// Readers and savers never keep each other from a file.
+// Readers keep nobody from opening, moving or deleting the file. Windows refuses all the same to replace a
+// file that is open: a reader delays a save there, by 2 s at most; then the save fails and the old file
+// stays.
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
 class FileHandle
@@ -34,8 +36,10 @@ public:
     bool WriteToEnd(std::string_view content) noexcept
     {
         DWORD written = 0;
-        return ::WriteFile(m_file, content.data(), static_cast<DWORD>(content.size()), &written, nullptr) &&
-               written == content.size() && ::SetEndOfFile(m_file) && ::FlushFileBuffers(m_file);
+        BOOL const done =
+            ::WriteFile(m_file, content.data(), static_cast<DWORD>(content.size()), &written, nullptr);
+        return done != FALSE && written == content.size() && ::SetEndOfFile(m_file) != FALSE &&
+               ::FlushFileBuffers(m_file) != FALSE;
     }
 
 private:

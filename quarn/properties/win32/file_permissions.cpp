@@ -10,16 +10,18 @@ namespace Quarn::detail {
 bool CopyPermissions(string const& from, string const& to)
 {
     constexpr SECURITY_INFORMATION kList = DACL_SECURITY_INFORMATION;
-    constexpr SECURITY_INFORMATION kAll = OWNER_SECURITY_INFORMATION | GROUP_SECURITY_INFORMATION | kList;
+    constexpr SECURITY_INFORMATION kGroupAndList = GROUP_SECURITY_INFORMATION | kList;
+    constexpr SECURITY_INFORMATION kAll = OWNER_SECURITY_INFORMATION | kGroupAndList;
     DWORD size = 0;
     ::GetFileSecurityA(from.c_str(), kAll, nullptr, 0, &size);
     std::vector<std::max_align_t> buffer(size / sizeof(std::max_align_t) + 1);
     if (!::GetFileSecurityA(from.c_str(), kAll, buffer.data(), size, &size)) {
         return false;
     }
-    // Not everybody may give a file away.
-    return ::SetFileSecurityA(to.c_str(), kAll, buffer.data()) ||
-           ::SetFileSecurityA(to.c_str(), kList, buffer.data());
+    // Not everybody may give a file away, but its owner may give it to a group of his.
+    return ::SetFileSecurityA(to.c_str(), kAll, buffer.data()) != FALSE ||
+           ::SetFileSecurityA(to.c_str(), kGroupAndList, buffer.data()) != FALSE ||
+           ::SetFileSecurityA(to.c_str(), kList, buffer.data()) != FALSE;
 }
 
 } // namespace Quarn::detail

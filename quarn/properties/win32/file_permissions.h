@@ -5,8 +5,8 @@
 
 namespace Quarn::detail {
 
-// Gives the file `to` the permissions of `from`, its owner too where this process may. False where `from` has
-// some that cannot be read or set. Throws std::bad_alloc.
+// Gives the file `to` the permissions of `from`, its owner and its group too where this process may. False
+// where `from` has some that cannot be read or set. Throws std::bad_alloc.
 bool CopyPermissions(string const& from, string const& to);
 
 } // namespace Quarn::detail

@@ -19,7 +19,7 @@ bool ReadWholeFile(string const& path, std::string& content)
         return false;
     }
     // The size is a hint: the file may grow, and a device has none.
-    constexpr std::size_t kStep = 64 * 1024;
+    constexpr std::size_t kStep = std::size_t{64} * 1024;
     std::size_t used = 0;
     content.resize(static_cast<std::size_t>(size.QuadPart) + 1);
     for (;;) {

@@ -1,6 +1,7 @@
 #include "quarn/properties/win32/property_stores.h"
 
 #include "quarn/platform/win32_api.h"
+#include "quarn/properties/win32/settings_backup.h"
 #include "quarn/properties/win32/settings_document.h"
 
 #include <cstring>
@@ -84,6 +85,34 @@ bool QuarnProperties::GetXMLFolder(char* folder)
     found[length] = '\0';
     std::memcpy(folder, found, length + 1);
     return true;
+}
+
+bool QuarnProperties::BackupXML(char* backupPath)
+{
+    return detail::BackupSettingsFile(m_xmlFilePath, backupPath);
+}
+
+bool QuarnProperties::RestoreXML(Quarn::string const& backupPath)
+{
+    return detail::RestoreSettingsFile(m_xmlFilePath, backupPath) && Populate() &&
+           ::DeleteFileA(backupPath.c_str()) != FALSE;
+}
+
+bool QuarnProperties::RemoveXML()
+{
+    if (::DeleteFileA(m_xmlFilePath.c_str()) == FALSE) {
+        return false;
+    }
+    Populate();
+    return true;
+}
+
+bool QuarnProperties::RemoveAllXML(Quarn::string const& fileName)
+{
+    if (!fileName.empty()) {
+        detail::RemoveSettingsFiles(MakeFilePath(fileName));
+    }
+    return false;
 }
 
 Quarn::string QuarnProperties::MakeFilePath(Quarn::string const& fileName)

@@ -51,10 +51,35 @@ public:
     // it was, where there is none, and for null.
     static bool GetXMLFolder(char* folder);
 
+    // Copies the file, as it is on the disk, to a new backup beside it and writes the backup's full path into
+    // `backupPath`, a buffer of at least MAX_PATH (260) bytes. The backup is named after the file: "_" and
+    // the seconds since 2008-04-16 14:44:30 UTC, modulo 2^32 and in lower-case hexadecimal, stand before the
+    // extension (Station_22e5ab5f.xml). It has the file's permissions, and its name only once it is complete.
+    // False, with the buffer as it was and no backup made, where there is no file, where it cannot be copied,
+    // where the backup's path does not fit, where there is a backup of this second already, and for null.
+    bool BackupXML(char* backupPath);
+    // Puts the content of a backup, or of any other settings file, back in place and loads it; what the store
+    // held, saved or not, is given up. Then deletes the backup; the result is whether that succeeded. The
+    // file is replaced in one step and keeps its permissions.
+    //
+    // False, and neither the file, the backup nor the store have changed, where `backupPath` is missing,
+    // cannot be loaded or is the file itself, and where the file is missing, read-only or otherwise not to be
+    // deleted. False with the backup in place, and kept, where it cannot be loaded from there after all.
+    bool RestoreXML(Quarn::string const& backupPath);
+    // Deletes the file for good and does a Populate, whatever comes of it. False, and the store has not
+    // changed, where the file cannot be deleted, as when there is none. The backups stay.
+    bool RemoveXML();
+
     // Whether the destructor saves; true from the start.
     void SetAutoPersist(bool on) { m_autoPersist = on; }
     // The result of the last Populate; false before the first.
     bool PopulatedOK() const { return m_populatedOK; }
+
+protected:
+    // Deletes the file of this name in the data folder and all its backups: every file there whose name
+    // begins as the file's does up to its extension, goes on in any way and has that extension; but none
+    // whose name begins with a dot. What cannot be deleted stays. Always false, deliberately.
+    static bool RemoveAllXML(Quarn::string const& fileName);
 
 private:
     static Quarn::string MakeFilePath(Quarn::string const& fileName);

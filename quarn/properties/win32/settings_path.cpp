@@ -1,11 +1,13 @@
 #include "quarn/properties/win32/settings_path.h"
 
+#include "quarn/platform/path_parts.h"
 #include "quarn/platform/win32_api.h"
 #include "quarn/properties/win32/file_handle.h"
 
 #include <chrono>
-#include <cstdlib>
+#include <filesystem>
 #include <string_view>
+#include <system_error>
 
 namespace Quarn::detail {
 
@@ -51,19 +53,39 @@ bool FinalPath(string const& path, string& final)
     return true;
 }
 
-// The absolute path and the place of the file's name in it.
-bool FullPath(string const& path, string& full, std::size_t& name)
+// The absolute path, which has a file's name at its end.
+bool FullPath(string const& path, string& full)
 {
-    name = 0;
+    bool hasName = false;
     auto const ask = [&](char* buffer, DWORD size) {
         char* part = nullptr;
         DWORD const length = ::GetFullPathNameA(path.c_str(), size, buffer, &part);
-        if (part != nullptr && length < size) {
-            name = static_cast<std::size_t>(part - buffer);
-        }
+        hasName = part != nullptr;
         return length;
     };
-    return TakePath(ask, full) && name != 0;
+    return TakePath(ask, full) && hasName;
+}
+
+// The file that a symbolic link to a missing file stands for, empty where links lead in a circle; any other
+// path as it is. On Windows there is nothing to do: a link has attributes of its own and does not pass for a
+// missing file.
+string LinkTarget(string path)
+{
+    constexpr int kMaxLinks = 40;
+    try {
+        for (int i = 0; i < kMaxLinks; ++i) {
+            std::error_code error;
+            std::filesystem::path const link(std::string_view{path});
+            std::filesystem::path const target = std::filesystem::read_symlink(link, error);
+            if (error) {
+                return path;
+            }
+            path = (link.parent_path() / target).string();
+        }
+        return {};
+    } catch (std::system_error const&) { // Windows, a path that is no UTF-8
+        return path;
+    }
 }
 
 // FNV-1a. ASCII case does not count: on Windows a missing file has no spelling of its own yet.
@@ -85,30 +107,35 @@ unsigned int NameHash(SettingsPath const& path)
 
 } // namespace
 
+SettingsPath DivideSettingsPath(string const& path)
+{
+    PathParts const parts = SplitPath(path);
+    return {parts.drive + parts.directory, parts.name, parts.extension};
+}
+
 bool ResolveSettingsPath(string const& path, SettingsPath& resolved)
 {
     string whole;
     string full;
-    std::size_t name = 0;
     if (::GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES) {
-        if (!FinalPath(path, whole) || !FullPath(whole, full, name)) {
+        if (!FinalPath(path, whole) || !FullPath(whole, full)) {
             return false;
         }
-        resolved.folder = full.substr(0, name);
+        resolved = DivideSettingsPath(full);
     } else {
-        if (!FullPath(path, full, name) || !FinalPath(full.substr(0, name), whole)) {
+        if (!FullPath(LinkTarget(path), full)) {
+            return false;
+        }
+        resolved = DivideSettingsPath(full);
+        if (!FinalPath(resolved.folder, whole)) {
             return false;
         }
         // The separator is the one in front of the name.
-        resolved.folder = whole;
-        if (resolved.folder.back() != full[name - 1]) {
-            resolved.folder += full[name - 1];
+        if (whole.back() != resolved.folder.back()) {
+            whole += resolved.folder.back();
         }
+        resolved.folder = whole;
     }
-    string const file = full.substr(name);
-    std::size_t const dot = std::min(file.rfind('.'), file.size());
-    resolved.base = file.substr(0, dot);
-    resolved.extension = file.substr(dot);
     return true;
 }
 

@@ -16,8 +16,12 @@ struct SettingsPath
     string Whole() const { return folder + base + extension; }
 };
 
+// The path as it stands, divided. Throws std::bad_alloc.
+SettingsPath DivideSettingsPath(string const& path);
+
 // The file that `path` leads to, symbolic links followed, or where it would come to lie. False where the
-// folder is missing or the file cannot be opened at all. Throws std::bad_alloc.
+// folder is missing, the file cannot be opened at all or, on Windows, a link leads nowhere. Throws
+// std::bad_alloc.
 bool ResolveSettingsPath(string const& path, SettingsPath& resolved);
 
 // The name of the lock that serialises the saves of a file: the same for every way to it.

@@ -2,18 +2,15 @@
 #include "quarn/properties/property_collection.h"
 #include "quarn/properties/win32/xml_persist.h"
 
-#include "properties/scratch.h"
+#include "tests/platform/scratch_folder.h"
+#include "tests/properties/posix/restricted_child.h"
 
-#include <csignal>
 #include <cstdlib>
 #include <functional>
 
+#include <grp.h>
 #include <gtest/gtest.h>
-#include <linux/capability.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
@@ -29,39 +26,6 @@ bool Save(Quarn::string const& path, std::string const& text)
     return XMLPropPersist(path).Persist(&collection);
 }
 
-// Runs the body in a process of its own, which may lose rights that the test must keep. True when it gives
-// true.
-bool InChild(std::function<bool()> const& body)
-{
-    ::pid_t const child = ::fork();
-    if (child == 0) {
-        ::_exit(body() ? 0 : 1);
-    }
-    int status = 0;
-    EXPECT_EQ(::waitpid(child, &status, 0), child);
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
-
-// From now on permissions count for the superuser too.
-void GiveUpOverrides()
-{
-    __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
-    __user_cap_data_struct data[2]{};
-    ASSERT_EQ(::syscall(SYS_capget, &header, data), 0);
-    constexpr unsigned int kOverrides = 1U << CAP_DAC_OVERRIDE | 1U << CAP_DAC_READ_SEARCH;
-    data[0].effective &= ~kOverrides;
-    data[0].permitted &= ~kOverrides;
-    ASSERT_EQ(::syscall(SYS_capset, &header, data), 0);
-}
-
-// Files of this process end here.
-void LimitFileSize(::rlim_t size)
-{
-    ::signal(SIGXFSZ, SIG_IGN);
-    ::rlimit const limit{size, size};
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
-}
-
 struct ::stat Status(std::string const& path)
 {
     struct ::stat status = {};
@@ -73,7 +37,7 @@ using Names = std::set<std::string>;
 
 TEST(XmlSavingOnPosix, KeepsModeAndOwner)
 {
-    Scratch const scratch;
+    ScratchFolder const scratch;
     ASSERT_TRUE(Save(scratch / "a.xml", "1"));
     for (::mode_t const mode : {0600U, 0640U, 0666U, 0664U}) {
         ASSERT_EQ(::chmod((scratch / "a.xml").c_str(), mode), 0);
@@ -90,7 +54,7 @@ TEST(XmlSavingOnPosix, KeepsModeAndOwner)
 
 TEST(XmlSavingOnPosix, FollowsSymbolicLinks)
 {
-    Scratch const scratch;
+    ScratchFolder const scratch;
     std::filesystem::create_directory(std::string(scratch / "real"));
     ASSERT_TRUE(Save(scratch / "real/a.xml", "1"));
     std::filesystem::create_symlink("real/a.xml", std::string(scratch / "link.xml"));
@@ -102,14 +66,58 @@ TEST(XmlSavingOnPosix, FollowsSymbolicLinks)
     EXPECT_TRUE(S_ISLNK(Status(scratch / "link.xml").st_mode));
     EXPECT_TRUE(S_ISLNK(Status(scratch / "second.xml").st_mode));
     EXPECT_TRUE(S_ISREG(Status(scratch / "real/a.xml").st_mode));
-    EXPECT_NE(ReadBytes(scratch / "real/a.xml").find("folder/a.xml"), std::string::npos);
+    EXPECT_NE(ContentOf(scratch / "real/a.xml").find("folder/a.xml"), std::string::npos);
     EXPECT_TRUE(S_ISREG(Status(scratch / "real/new.xml").st_mode));
     EXPECT_EQ(scratch.Names(), (Names{"real", "link.xml", "second.xml", "folder"}));
 }
 
+TEST(XmlSavingOnPosix, ALinkThatLeadsNowhereYetGetsItsFile)
+{
+    ScratchFolder const scratch;
+    scratch.MakeFolder("real");
+    std::filesystem::create_symlink("real/a.xml", scratch / "link.xml");
+    std::filesystem::create_symlink("link.xml", scratch / "second.xml");
+    std::filesystem::create_symlink(std::filesystem::absolute(scratch / "real/b.xml"),
+                                    scratch / "absolute.xml");
+    std::filesystem::create_symlink("missing/c.xml", scratch / "lost.xml");
+    std::filesystem::create_symlink("loop.xml", scratch / "loop.xml");
+    EXPECT_TRUE(Save(scratch / "second.xml", "1"));
+    EXPECT_NE(ContentOf(scratch / "real/a.xml").find(">1<"), std::string::npos);
+    EXPECT_TRUE(Save(scratch / "absolute.xml", "2"));
+    EXPECT_NE(ContentOf(scratch / "real/b.xml").find(">2<"), std::string::npos);
+    EXPECT_FALSE(Save(scratch / "lost.xml", "3"));
+    EXPECT_FALSE(Save(scratch / "loop.xml", "4"));
+    for (char const* const name : {"link.xml", "second.xml", "absolute.xml", "lost.xml", "loop.xml"}) {
+        EXPECT_TRUE(S_ISLNK(Status(scratch / name).st_mode)) << name;
+    }
+    EXPECT_EQ(scratch.Names(),
+              (Names{"real", "link.xml", "second.xml", "absolute.xml", "lost.xml", "loop.xml"}));
+}
+
+TEST(XmlSavingOnPosix, KeepsTheGroupWhereTheOwnerCannotBeKept)
+{
+    if (::geteuid() != 0) {
+        return; // nobody else can make a file of another owner
+    }
+    ScratchFolder const scratch;
+    ASSERT_TRUE(Save(scratch / "a.xml", "1"));
+    ASSERT_EQ(::chmod((scratch / "a.xml").c_str(), 0660), 0);
+    ASSERT_EQ(::chown((scratch / "a.xml").c_str(), 12345, 54321), 0);
+    EXPECT_TRUE(InChild([&scratch] {
+        ::gid_t const group = 54321;
+        EXPECT_EQ(::setgroups(1, &group), 0);
+        GiveUp(1U << CAP_CHOWN);
+        return Save(scratch / "a.xml", "2");
+    }));
+    struct ::stat const status = Status(scratch / "a.xml");
+    EXPECT_EQ(status.st_uid, 0U);
+    EXPECT_EQ(status.st_gid, 54321U);
+    EXPECT_EQ(status.st_mode & 07777U, 0660U);
+}
+
 TEST(XmlSavingOnPosix, ADeviceIsNotReplaced)
 {
-    Scratch const scratch;
+    ScratchFolder const scratch;
     std::filesystem::create_symlink("/dev/null", std::string(scratch / "null.xml"));
     struct ::stat const before = Status("/dev/null");
     EXPECT_FALSE(Save(scratch / "null.xml", "x"));
@@ -120,15 +128,15 @@ TEST(XmlSavingOnPosix, ADeviceIsNotReplaced)
 
 TEST(XmlSavingOnPosix, WithoutSpaceTheOldFileStays)
 {
-    Scratch const scratch;
+    ScratchFolder const scratch;
     ASSERT_TRUE(Save(scratch / "a.xml", "old"));
-    std::string const old = ReadBytes(scratch / "a.xml");
+    std::string const old = ContentOf(scratch / "a.xml");
     EXPECT_TRUE(InChild([&scratch] {
         LimitFileSize(1000);
         return !Save(scratch / "a.xml", std::string(5000, 'x')) &&
                !Save(scratch / "new.xml", std::string(5000, 'x')) && Save(scratch / "b.xml", "short");
     }));
-    EXPECT_EQ(ReadBytes(scratch / "a.xml"), old);
+    EXPECT_EQ(ContentOf(scratch / "a.xml"), old);
     EXPECT_EQ(scratch.Names(), (Names{"a.xml", "b.xml"}));
 }
 
@@ -142,7 +150,7 @@ protected:
         std::filesystem::create_directory(std::string(m_scratch / "data"));
         m_path = m_scratch / "folder/a.xml";
         ASSERT_TRUE(Save(m_path, "old"));
-        m_old = ReadBytes(m_path);
+        m_old = ContentOf(m_path);
         m_inode = Status(m_path).st_ino;
         ASSERT_EQ(::chmod((m_scratch / "folder").c_str(), 0555), 0);
     }
@@ -151,7 +159,7 @@ protected:
     bool SaveInChild(
         std::string const& text, std::function<void()> const& prepare = [] {})
     {
-        std::string const data = std::filesystem::absolute(m_scratch.Folder()).string() + "/data";
+        std::string const data = std::filesystem::absolute(m_scratch.Path()).string() + "/data";
         return InChild([&] {
             ::setenv("XDG_DATA_HOME", data.c_str(), 1);
             GiveUpOverrides();
@@ -166,7 +174,7 @@ protected:
         return static_cast<std::size_t>(std::distance(begin(all), end(all)));
     }
 
-    Scratch const m_scratch;
+    ScratchFolder const m_scratch;
     Quarn::string m_path;
     std::string m_old;
     ::ino_t m_inode = 0;
@@ -175,25 +183,25 @@ protected:
 TEST_F(XmlSavingInPlace, OverwritesTheFileAndRemovesTheCopy)
 {
     EXPECT_TRUE(SaveInChild("new"));
-    EXPECT_NE(ReadBytes(m_path).find(">new<"), std::string::npos);
+    EXPECT_NE(ContentOf(m_path).find(">new<"), std::string::npos);
     EXPECT_EQ(Status(m_path).st_ino, m_inode);
     EXPECT_EQ(Copies(), 0U);
     EXPECT_TRUE(SaveInChild(std::string(10000, 'x')));
     EXPECT_TRUE(SaveInChild("short"));
-    EXPECT_EQ(ReadBytes(m_path).size(), m_old.size() + 2);
+    EXPECT_EQ(ContentOf(m_path).size(), m_old.size() + 2);
 }
 
 TEST_F(XmlSavingInPlace, PutsTheOldContentBackWhereTheNewDoesNotFit)
 {
     EXPECT_FALSE(SaveInChild(std::string(5000, 'x'), [] { LimitFileSize(1000); }));
-    EXPECT_EQ(ReadBytes(m_path), m_old);
+    EXPECT_EQ(ContentOf(m_path), m_old);
     EXPECT_EQ(Copies(), 0U);
 }
 
 TEST_F(XmlSavingInPlace, WithoutACopyTheFileIsNotTouched)
 {
     EXPECT_FALSE(SaveInChild("new", [this] { ::chmod((m_scratch / "data").c_str(), 0555); }));
-    EXPECT_EQ(ReadBytes(m_path), m_old);
+    EXPECT_EQ(ContentOf(m_path), m_old);
     ASSERT_EQ(::chmod((m_scratch / "data").c_str(), 0755), 0);
 }
 
@@ -201,19 +209,19 @@ TEST_F(XmlSavingInPlace, LackOfSpaceIsNoReasonToOverwrite)
 {
     ASSERT_EQ(::chmod((m_scratch / "folder").c_str(), 0755), 0);
     EXPECT_FALSE(SaveInChild(std::string(5000, 'x'), [] { LimitFileSize(1000); }));
-    EXPECT_EQ(ReadBytes(m_path), m_old);
+    EXPECT_EQ(ContentOf(m_path), m_old);
 }
 
 TEST_F(XmlSavingInPlace, AFileThatDidNotLoadIsNotOverwritten)
 {
-    WriteBytes(m_path, "broken");
+    WriteContent(m_path, "broken");
     EXPECT_TRUE(InChild([this] {
         GiveUpOverrides();
         PropertyCollection collection("Root", "Quarn_Properties");
         XMLPropPersist const file(m_path);
         return !file.Populate(&collection) && !file.Persist(&collection);
     }));
-    EXPECT_EQ(ReadBytes(m_path), "broken");
+    EXPECT_EQ(ContentOf(m_path), "broken");
 }
 
 TEST_F(XmlSavingInPlace, AMissingFileIsNotCreated)
@@ -226,9 +234,9 @@ TEST_F(XmlSavingInPlace, AMissingFileIsNotCreated)
 
 TEST(XmlSavingOnPosix, AFileThatMayNotBeReadGetsASecondName)
 {
-    Scratch const scratch;
+    ScratchFolder const scratch;
     ASSERT_TRUE(Save(scratch / "a.xml", "old"));
-    std::string const old = ReadBytes(scratch / "a.xml");
+    std::string const old = ContentOf(scratch / "a.xml");
     ASSERT_EQ(::chmod((scratch / "a.xml").c_str(), 0200), 0);
     EXPECT_TRUE(InChild([&scratch] {
         GiveUpOverrides();
@@ -242,7 +250,7 @@ TEST(XmlSavingOnPosix, AFileThatMayNotBeReadGetsASecondName)
     for (std::string const& name : names) {
         ASSERT_EQ(::chmod((scratch / name).c_str(), 0600), 0);
     }
-    EXPECT_EQ(ReadBytes(scratch / *names.rbegin()), old);
+    EXPECT_EQ(ContentOf(scratch / *names.rbegin()), old);
 }
 
 } // namespace

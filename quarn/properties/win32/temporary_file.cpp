@@ -1,0 +1,100 @@
+#include "quarn/properties/win32/temporary_file.h"
+
+#include "quarn/platform/win32_api.h"
+#include "quarn/properties/win32/file_permissions.h"
+#include "quarn/properties/win32/file_search.h"
+
+#include <atomic>
+
+namespace Quarn::detail {
+
+namespace {
+
+constexpr ULONGLONG kBusyWait = 2000;
+constexpr DWORD kBusyStep = 20;
+
+void Remove(string const& name)
+{
+    if (::DeleteFileA(name.c_str()) == FALSE &&
+        ::SetFileAttributesA(name.c_str(), FILE_ATTRIBUTE_NORMAL) != FALSE) {
+        ::DeleteFileA(name.c_str());
+    }
+}
+
+} // namespace
+
+TemporaryFile::~TemporaryFile()
+{
+    if (m_exists) {
+        m_file.Close();
+        Remove(m_name);
+    }
+}
+
+bool TemporaryFile::TakePermissionsOf(string const& name)
+{
+    return CopyPermissions(name, m_name);
+}
+
+bool TemporaryFile::Write(std::string_view content)
+{
+    bool const written = m_file.WriteToEnd(content);
+    return m_file.Close() && written;
+}
+
+bool TemporaryFile::MakeReadOnly()
+{
+    return ::SetFileAttributesA(m_name.c_str(), FILE_ATTRIBUTE_READONLY) != FALSE;
+}
+
+bool TemporaryFile::MoveOver(string const& name)
+{
+    return Move(name, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
+}
+
+bool TemporaryFile::MoveTo(string const& name)
+{
+    return Move(name, MOVEFILE_WRITE_THROUGH);
+}
+
+bool TemporaryFile::Move(string const& name, DWORD flags)
+{
+    ULONGLONG const start = ::GetTickCount64();
+    while (::MoveFileExA(m_name.c_str(), name.c_str(), flags) == FALSE) {
+        DWORD const error = ::GetLastError();
+        if ((error != ERROR_ACCESS_DENIED && error != ERROR_SHARING_VIOLATION) ||
+            ::GetTickCount64() - start >= kBusyWait) {
+            return false;
+        }
+        ::Sleep(kBusyStep);
+    }
+    m_exists = false;
+    return true;
+}
+
+HANDLE TemporaryFile::Create(SettingsPath const& path)
+{
+    static std::atomic<unsigned int> number = 0;
+    constexpr int kAttempts = 100;
+    HANDLE file = INVALID_HANDLE_VALUE;
+    for (int i = 0; i < kAttempts && file == INVALID_HANDLE_VALUE; ++i) {
+        m_name = TemporaryName(path, ++number);
+        file = ::CreateFileA(m_name.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
+                             FILE_ATTRIBUTE_NORMAL, nullptr);
+        m_error = file == INVALID_HANDLE_VALUE ? ::GetLastError() : ERROR_SUCCESS;
+        if (m_error != ERROR_FILE_EXISTS) {
+            break;
+        }
+    }
+    m_exists = file != INVALID_HANDLE_VALUE;
+    return file;
+}
+
+void RemoveTemporaries(SettingsPath const& path)
+{
+    for (string const& name : FindFiles(TemporaryPattern(path))) {
+        Remove(path.folder + name);
+    }
+}
+
+} // namespace Quarn::detail
