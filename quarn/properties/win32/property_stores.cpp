@@ -1,6 +1,7 @@
 #include "quarn/properties/win32/property_stores.h"
 
 #include "quarn/platform/win32_api.h"
+#include "quarn/properties/win32/registry_seed.h"
 #include "quarn/properties/win32/settings_backup.h"
 #include "quarn/properties/win32/settings_document.h"
 
@@ -34,6 +35,15 @@ QuarnProperties::QuarnProperties(Quarn::string const& fileName, Quarn::string co
       m_xmlFilePath(MakeFilePath(fileName))
 {}
 
+QuarnProperties::QuarnProperties(Quarn::string const& fileName, Quarn::string const& name, HKEY registryRoot,
+                                 Quarn::string const& registryPath)
+    : PropertyCollection(name, m_documentType),
+      m_fileName(fileName),
+      m_registryRoot(registryRoot),
+      m_registryPath(registryPath),
+      m_xmlFilePath(MakeFilePath(fileName))
+{}
+
 QuarnProperties::~QuarnProperties()
 {
     if (m_autoPersist) {
@@ -48,10 +58,28 @@ bool QuarnProperties::Populate()
         m_populatedOK = detail::LoadSettings(m_xmlFilePath, *this, m_spoiled);
         ClearDirty();
     } else {
-        m_populatedOK = false;
         m_spoiled = false;
+        m_populatedOK = m_registryFallback && RegistryPopulate();
     }
     return m_populatedOK;
+}
+
+bool QuarnProperties::RegistryPopulate()
+{
+    if (m_registryRoot == nullptr || m_registryPath.empty()) {
+        return false;
+    }
+    detail::SeedResult const result = detail::SeedFromRegistry(m_registryRoot, m_registryPath, *this, *this);
+    if (result == detail::SeedResult::NoKey) {
+        return false;
+    }
+    OnPopulateFromRegistry();
+    return result == detail::SeedResult::Read;
+}
+
+bool QuarnProperties::OnPopulateFromRegistry()
+{
+    return true;
 }
 
 bool QuarnProperties::Persist(bool force)
@@ -94,8 +122,15 @@ bool QuarnProperties::BackupXML(char* backupPath)
 
 bool QuarnProperties::RestoreXML(Quarn::string const& backupPath)
 {
-    return detail::RestoreSettingsFile(m_xmlFilePath, backupPath) && Populate() &&
-           ::DeleteFileA(backupPath.c_str()) != FALSE;
+    if (!detail::RestoreSettingsFile(m_xmlFilePath, backupPath)) {
+        return false;
+    }
+    // A restored store has always met its registry key first.
+    Clear();
+    if (m_registryFallback) {
+        RegistryPopulate();
+    }
+    return Populate() && ::DeleteFileA(backupPath.c_str()) != FALSE;
 }
 
 bool QuarnProperties::RemoveXML()

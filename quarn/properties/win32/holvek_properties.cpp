@@ -1,0 +1,51 @@
+#include "quarn/platform/win32_api.h"
+#include "quarn/properties/win32/property_stores.h"
+#include "quarn/properties/win32/registry_seed.h"
+
+namespace Quarn::Win32 {
+
+namespace {
+
+constexpr char kCommon[] = "Common";
+
+} // namespace
+
+Quarn::string const HolvekProperties::RootFileName = "Holvek40.xml";
+
+HolvekProperties::HolvekProperties()
+    : QuarnProperties(RootFileName, "Holvek", HKEY_LOCAL_MACHINE, R"(SOFTWARE\Tessary\Holvek)")
+{
+    AddSubKey(kCommon);
+}
+
+HolvekProperties::~HolvekProperties() = default;
+
+bool HolvekProperties::RemoveAllXML()
+{
+    return QuarnProperties::RemoveAllXML(RootFileName);
+}
+
+bool HolvekProperties::OnPopulateFromRegistry()
+{
+    PropertyKey* const common = AddSubKey(kCommon);
+    return common != nullptr && detail::SeedFromRegistry(HKEY_LOCAL_MACHINE, R"(SOFTWARE\Tessary\Common)",
+                                                         *common, *this) == detail::SeedResult::Read;
+}
+
+HolvekProperties& HolvekProps()
+{
+    static HolvekProperties properties;
+    static bool loaded = false;
+    if (!loaded) {
+        loaded = true;
+        properties.Populate();
+    }
+    return properties;
+}
+
+PropertyKey& CommonProps()
+{
+    return *HolvekProps().AddSubKey(kCommon);
+}
+
+} // namespace Quarn::Win32
