@@ -1,11 +1,13 @@
 #!/bin/bash
-# Builds the library and runs its example, a small station program, twice: the second run continues the first.
+# Builds the library and runs its example, a small station program: a first run that the registry seeds, a second
+# one that continues it, and one that finds its settings spoiled and restores them from their backup.
 #
 #   ./demo.sh             on Linux
 #   ./demo.sh --windows   the same program cross-built for Windows and run under Wine
 #
 # For Debian 12. Packages that are missing are installed with apt-get (as root or through sudo). The station's
-# settings and journal stay in build/demo/data (build/demo-windows/data), so that a later run goes on from there.
+# settings, journal and registry stay in build/demo/data (in the Wine prefix, build/demo-windows/wine), so that a
+# later run goes on from there.
 set -uo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
@@ -15,6 +17,7 @@ cd "$root" || exit 1
 
 preset=native-release
 folder=$root/build/demo
+data=$folder/data
 run=()
 program=$folder/bin/station
 packages=("${packages_build[@]}")
@@ -23,6 +26,7 @@ case "${1-}" in
 --windows)
     preset=windows-release
     folder=$root/build/demo-windows
+    data=$folder/wine/drive_c/users/Public/Documents
     run=("$root/scripts/wine-run" "$folder/wine")
     program=$folder/bin/station.exe
     packages+=("${packages_windows[@]}")
@@ -54,8 +58,15 @@ station() {
     echo
 }
 
-mkdir -p "$folder/data"
-cd "$folder/data" || exit 1
-station --settings station.xml
-station --settings station.xml
-station --show station.xml
+# The station's machine is the demo's own; under Wine it is the prefix.
+export QUARNUTIL_MACHINE_DIR=$data
+mkdir -p "$data"
+cd "$data" || exit 1
+station --commission "Pump house" 15
+station
+station
+say "Spoiling Station.xml: a hand that cuts it off behind 300 bytes"
+truncate -s 300 Station.xml || exit 1
+echo
+station
+station --show Station.xml

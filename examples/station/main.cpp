@@ -1,11 +1,13 @@
 // A small station: opens its settings, takes readings of the machine, appends them to its journal as a
 // record, reads the journal back, notes the run in its settings.
 //
-//   station                    settings in the machine's settings folder
-//   station --settings FILE    settings in FILE
-//   station --show FILE        prints the tree of any settings file
+//   station                              one run
+//   station --commission NAME PERCENT    names the station and sets its limit of free disk space, for the
+//                                        first run
+//   station --show FILE                  prints the tree of any settings file
 //
-// The journal lies beside the settings.
+// Settings and journal lie in the machine's data folder.
+#include "quarn/platform/version_info.h"
 #include "quarn/properties/property_collection.h"
 #include "quarn/properties/win32/property_stores.h"
 #include "quarn/properties/win32/xml_persist.h"
@@ -15,9 +17,12 @@
 
 #include "journal.h"
 #include "readings.h"
+#include "settings.h"
 #include "show.h"
+#include "window.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <filesystem>
 #include <string>
@@ -56,8 +61,8 @@ void ShowJournal(std::string const& path)
                 static_cast<unsigned long long>(summary.goodBytes), first.c_str());
 }
 
-// One run over settings that are loaded. `path` is the settings' file.
-void Run(Quarn::PropertyCollection& settings, std::string const& path)
+// One run over settings that are loaded.
+void Run(Quarn::Win32::QuarnProperties& settings)
 {
     station::Record record;
     record.name = settings.GetValueString("Identity:Name", "Station 1");
@@ -65,10 +70,12 @@ void Run(Quarn::PropertyCollection& settings, std::string const& path)
     record.run = static_cast<std::uint32_t>(settings.GetValueInt32("Runs:Count", 0)) + 1;
     Quarn::string const lastRun = settings.GetValueString("Runs:Last", "");
 
-    std::printf("%s, run %u, settings in %s\n", record.name.c_str(), record.run, path.c_str());
+    std::printf("%s, run %u\n", record.name.c_str(), record.run);
     if (!lastRun.empty()) {
         std::printf("           the last run was at %s UTC\n", lastRun.c_str());
     }
+    station::Window const window = station::ReadWindow(settings);
+    std::printf("window     %d x %d at %d, %d\n", window.width, window.height, window.left, window.top);
 
     station::TakeReadings(record);
     if (record.freePercent < static_cast<float>(limit)) {
@@ -82,7 +89,8 @@ void Run(Quarn::PropertyCollection& settings, std::string const& path)
         std::printf("remark     %s\n", remark.c_str());
     }
 
-    std::string const journal = std::filesystem::path(path).replace_extension(".journal").string();
+    std::string const journal =
+        std::filesystem::path(settings.GetXMLFilePath().c_str()).replace_extension(".journal").string();
     std::string const aside = station::SetAside(journal, station::ReadJournal(journal, [](auto const&) {}));
     if (!aside.empty()) {
         std::printf("journal    was damaged; it is kept as %s\n", aside.c_str());
@@ -94,6 +102,10 @@ void Run(Quarn::PropertyCollection& settings, std::string const& path)
     ShowRefusal(0x4C4F4731, 1);
     ShowRefusal(station::recordId, station::recordVersion + 1);
 
+    std::string const backup = station::BackUp(settings);
+    if (!backup.empty()) {
+        std::printf("backup     %s\n", backup.c_str());
+    }
     Quarn::string spec;
     settings.SetValueString("Identity:Name=" + record.name, true);
     spec.Format("Limits:FreeDiskPercent=%ld", limit);
@@ -101,32 +113,31 @@ void Run(Quarn::PropertyCollection& settings, std::string const& path)
     spec.Format("Runs:Count=%u", record.run);
     settings.SetValueInt32(spec, true);
     settings.SetValueString("Runs:Last=" + record.time, true);
+    station::WriteWindow(settings, station::NextWindow(window));
 }
 
-int Report(bool saved)
+int RunOnce()
 {
+    Win32Quarn::CVersionInfo const self;
+    std::printf("%s %s\n", self.GetProductName().c_str(), self.GetProductVersion().c_str());
+
+    Quarn::Win32::QuarnProperties settings = station::MakeSettings();
+    std::string const loaded = station::Load(settings);
+    std::printf("settings   %s: %s\n", settings.GetXMLFilePath().c_str(), loaded.c_str());
+    Run(settings);
+    bool const saved = settings.Persist(false);
     std::printf("settings   %s\n", saved ? "saved" : "could not be saved");
     return saved ? 0 : 1;
 }
 
-int RunWithFile(std::string const& path)
+int Commission(std::string const& name, std::string const& percent)
 {
-    Quarn::PropertyCollection settings("Station", "Quarn_Properties");
-    Quarn::Win32::XMLPropPersist const file(path);
-    if (file.Exists() && !file.Populate(&settings)) {
-        std::printf("The settings in %s cannot be read; they are kept under a second name.\n", path.c_str());
+    if (!station::Commission(name, std::strtoul(percent.c_str(), nullptr, 10))) {
+        std::fprintf(stderr, "station: the registry could not be written\n");
+        return 1;
     }
-    settings.ClearDirty();
-    Run(settings, path);
-    return Report(file.Persist(&settings));
-}
-
-int RunWithStore()
-{
-    Quarn::Win32::QuarnProperties settings("Station.xml", "Station");
-    settings.Populate();
-    Run(settings, settings.GetXMLFilePath());
-    return Report(settings.Persist(false));
+    std::printf("The first run will be that of \"%s\".\n", name.c_str());
+    return 0;
 }
 
 int ShowFile(std::string const& path)
@@ -147,10 +158,10 @@ int main(int argc, char** argv)
     std::vector<std::string> const arguments(argv + 1, argv + argc);
     try {
         if (arguments.empty()) {
-            return RunWithStore();
+            return RunOnce();
         }
-        if (arguments.size() == 2 && arguments[0] == "--settings") {
-            return RunWithFile(arguments[1]);
+        if (arguments.size() == 3 && arguments[0] == "--commission") {
+            return Commission(arguments[1], arguments[2]);
         }
         if (arguments.size() == 2 && arguments[0] == "--show") {
             return ShowFile(arguments[1]);
@@ -159,6 +170,6 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "station: %s\n", failure.what());
         return 1;
     }
-    std::fprintf(stderr, "usage: station [--settings FILE | --show FILE]\n");
+    std::fprintf(stderr, "usage: station [--commission NAME PERCENT | --show FILE]\n");
     return 2;
 }

@@ -65,10 +65,14 @@ TEST_F(SharedStore, IsSavedBehindTheObjectsThatWereMadeAfterIt)
     EXPECT_EQ(Saved(), 2);
 }
 
-TEST_F(SharedStore, IsNotSavedByAProcessThatIsAborted)
+TEST_F(SharedStore, IsNotSavedByAProcessThatIsKilled)
 {
-    EXPECT_EQ(Run("quick"), 0);
+    std::string const ready = (std::filesystem::path(DataFolder()) / "ready").string();
+    ChildProcess child({"store", "wait"});
+    EXPECT_TRUE(WaitForFile(ready));
+    child.Kill();
     EXPECT_EQ(Names().size(), 0U);
+    std::filesystem::remove(ready);
 }
 
 TEST_F(SharedStore, CountsOnFromProcessToProcess)
@@ -176,11 +180,7 @@ int RunChildCommand(int count, char** arguments)
     }
     if (what == "thread") {
         Count();
-        std::thread([] {
-            for (;;) {
-                ::Sleep(1000);
-            }
-        }).detach();
+        std::thread([] { ::Sleep(600'000); }).detach();
         std::exit(9);
     }
     if (what == "static") {
@@ -188,9 +188,13 @@ int RunChildCommand(int count, char** arguments)
         static CountAtTheEnd const last;
         return 0;
     }
-    if (what == "quick") {
+    if (what == "wait") {
         Count();
-        std::_Exit(0);
+        char folder[MAX_PATH];
+        HolvekProperties::GetXMLFolder(folder);
+        WriteContent((std::filesystem::path(folder) / "ready").string(), "");
+        ::Sleep(600'000);
+        return 1;
     }
     if (what == "load" || what == "load common") {
         return Load(what != "load");

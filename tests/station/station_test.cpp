@@ -1,5 +1,8 @@
 // The sample station as a user runs it: a program, its output, its files.
+#include "quarn/platform/version_info.h"
+#include "quarn/platform/win32_api.h"
 #include "quarn/properties/property_collection.h"
+#include "quarn/properties/win32/property_stores.h"
 #include "quarn/properties/win32/xml_persist.h"
 
 #include <cstdlib>
@@ -7,6 +10,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -20,19 +24,59 @@ std::string Contents(fs::path const& path)
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
+// The station's data folder and registry are the test's own; on Windows those of the machine, which is a Wine
+// prefix, so that one test runs at a time.
 class Station : public testing::Test
 {
 protected:
     void SetUp() override
     {
-        m_folder = fs::path("station_test") / testing::UnitTest::GetInstance()->current_test_info()->name();
+        m_folder =
+            fs::absolute("station_test") / testing::UnitTest::GetInstance()->current_test_info()->name();
         fs::remove_all(m_folder);
         fs::create_directories(m_folder);
+#if defined(_WIN32)
+        char folder[MAX_PATH];
+        ASSERT_TRUE(Quarn::Win32::QuarnProperties::GetXMLFolder(folder));
+        m_data = folder;
+#else
+        m_data = m_folder / "data";
+        fs::create_directory(m_data);
+        ::setenv("QUARNUTIL_MACHINE_DIR", m_data.c_str(), 1);
+#endif
+        RemoveFiles();
     }
-    void TearDown() override { fs::remove_all(m_folder); }
+    void TearDown() override
+    {
+        RemoveFiles();
+        fs::remove_all(m_folder);
+    }
 
-    std::string Settings() const { return (m_folder / "station.xml").string(); }
-    fs::path Journal() const { return m_folder / "station.journal"; }
+    std::string Settings() const
+    {
+        return (m_data / "Station.xml").string();
+    }
+    fs::path Journal() const
+    {
+        return m_data / "Station.journal";
+    }
+    // The second names of the settings file.
+    std::vector<fs::path> Backups() const
+    {
+        std::vector<fs::path> backups;
+        for (fs::path const& path : Files()) {
+            if (path.filename().string().rfind("Station_", 0) == 0) {
+                backups.push_back(path);
+            }
+        }
+        return backups;
+    }
+    Quarn::PropertyCollection Load() const
+    {
+        Quarn::PropertyCollection settings;
+        EXPECT_TRUE(Quarn::Win32::XMLPropPersist(Settings()).Populate(&settings));
+        return settings;
+    }
 
     // Runs the program; its output, both kinds, is in m_output.
     int Run(std::string const& arguments)
@@ -43,28 +87,51 @@ protected:
         m_output = Contents(out);
         return status;
     }
-    bool Says(std::string const& text) const { return m_output.find(text) != std::string::npos; }
+    bool Says(std::string const& text) const
+    {
+        return m_output.find(text) != std::string::npos;
+    }
 
     fs::path m_folder;
+    fs::path m_data;
     std::string m_output;
+
+private:
+    std::vector<fs::path> Files() const
+    {
+        std::vector<fs::path> files;
+        for (fs::directory_entry const& entry : fs::directory_iterator(m_data)) {
+            if (entry.path().filename().string().rfind("Station", 0) == 0) {
+                files.push_back(entry.path());
+            }
+        }
+        return files;
+    }
+    void RemoveFiles() const
+    {
+        for (fs::path const& path : Files()) {
+            fs::remove(path);
+        }
+#if defined(_WIN32)
+        ::SHDeleteKeyA(HKEY_LOCAL_MACHINE, "SOFTWARE\\Tessary\\Station");
+#endif
+    }
 };
 
 TEST_F(Station, SecondRunContinuesTheFirst)
 {
-    ASSERT_EQ(Run("--settings " + Settings()), 0) << m_output;
+    ASSERT_EQ(Run(""), 0) << m_output;
     EXPECT_TRUE(Says("Station 1, run 1")) << m_output;
     EXPECT_TRUE(Says("1 record,")) << m_output;
     auto const journalSize = fs::file_size(Journal());
 
-    ASSERT_EQ(Run("--settings " + Settings()), 0) << m_output;
+    ASSERT_EQ(Run(""), 0) << m_output;
     EXPECT_TRUE(Says("Station 1, run 2")) << m_output;
     EXPECT_TRUE(Says("the last run was at")) << m_output;
     EXPECT_TRUE(Says("2 records")) << m_output;
     EXPECT_GT(fs::file_size(Journal()), journalSize);
 
-    Quarn::PropertyCollection settings;
-    ASSERT_TRUE(Quarn::Win32::XMLPropPersist(Settings()).Populate(&settings));
-    EXPECT_EQ(settings.GetValueInt32("Runs:Count", 0), 2);
+    EXPECT_EQ(Load().GetValueInt32("Runs:Count", 0), 2);
 }
 
 TEST_F(Station, ReadsItsSettings)
@@ -75,30 +142,119 @@ TEST_F(Station, ReadsItsSettings)
     settings.SetValueInt32("Runs:Count=41", true);
     ASSERT_TRUE(Quarn::Win32::XMLPropPersist(Settings()).Persist(&settings));
 
-    ASSERT_EQ(Run("--settings " + Settings()), 0) << m_output;
+    ASSERT_EQ(Run(""), 0) << m_output;
     EXPECT_TRUE(Says("Pump house, run 42")) << m_output;
     EXPECT_TRUE(Says("free disk space is below its limit")) << m_output;
 }
 
 TEST_F(Station, RefusesForeignAndNewerRecordsWithTheLibrarysWords)
 {
-    ASSERT_EQ(Run("--settings " + Settings()), 0) << m_output;
+    ASSERT_EQ(Run(""), 0) << m_output;
     EXPECT_TRUE(Says("Stream type check failed, expecting 0x53544e31 found 0x4c4f4731")) << m_output;
     EXPECT_TRUE(Says("Version check 3 exceeds 2 for id=0x53544E31. Software is out of date.")) << m_output;
 }
 
 TEST_F(Station, KeepsADamagedJournalAndGoesOnBehindItsWholeRecords)
 {
-    ASSERT_EQ(Run("--settings " + Settings()), 0) << m_output;
-    ASSERT_EQ(Run("--settings " + Settings()), 0) << m_output;
+    ASSERT_EQ(Run(""), 0) << m_output;
+    ASSERT_EQ(Run(""), 0) << m_output;
     std::string bytes = Contents(Journal());
     bytes.back() = static_cast<char>(bytes.back() ^ 1);
     std::ofstream(Journal(), std::ios_base::binary) << bytes;
 
-    ASSERT_EQ(Run("--settings " + Settings()), 0) << m_output;
+    ASSERT_EQ(Run(""), 0) << m_output;
     EXPECT_TRUE(Says("was damaged")) << m_output;
     EXPECT_TRUE(Says("2 records")) << m_output;
     EXPECT_EQ(Contents(Journal().string() + ".damaged1"), bytes);
+}
+
+TEST_F(Station, TellsItsNameAndVersionFromItsOwnVersionBlock)
+{
+    ASSERT_EQ(Run(""), 0) << m_output;
+    Win32Quarn::CVersionInfo const block(QUARN_STATION);
+    ASSERT_EQ(block.GetProductName(), "Sample Station");
+    EXPECT_EQ(m_output.find(block.GetProductName() + " " + block.GetProductVersion()), 0U) << m_output;
+}
+
+TEST_F(Station, IsSeededFromTheRegistryOnce)
+{
+    ASSERT_EQ(Run("--commission \"Pump house\" 101"), 0) << m_output;
+    ASSERT_EQ(Run(""), 0) << m_output;
+    EXPECT_TRUE(Says("new, seeded from the registry")) << m_output;
+    EXPECT_TRUE(Says("Pump house, run 1")) << m_output;
+    EXPECT_TRUE(Says("free disk space is below its limit")) << m_output;
+
+    ASSERT_EQ(Run("--commission Other 1"), 0) << m_output;
+    ASSERT_EQ(Run(""), 0) << m_output;
+    EXPECT_TRUE(Says("Station.xml: loaded")) << m_output;
+    EXPECT_TRUE(Says("Pump house, run 2")) << m_output;
+}
+
+TEST_F(Station, KeepsItsWindowAsOneRecord)
+{
+    ASSERT_EQ(Run(""), 0) << m_output;
+    EXPECT_TRUE(Says("window     640 x 480 at 0, 0")) << m_output;
+    EXPECT_EQ(Load().GetValueString("Window:Main", ""), "24,24,640,480,");
+    ASSERT_EQ(Run(""), 0) << m_output;
+    EXPECT_TRUE(Says("window     640 x 480 at 24, 24")) << m_output;
+
+    Quarn::PropertyCollection settings = Load();
+    settings.SetValueString("Window:Main=5,6,7,", true);
+    ASSERT_TRUE(Quarn::Win32::XMLPropPersist(Settings()).Persist(&settings));
+    ASSERT_EQ(Run(""), 0) << m_output;
+    EXPECT_TRUE(Says("window     640 x 480 at 0, 0")) << m_output;
+}
+
+TEST_F(Station, BacksItsSettingsUpBeforeItChangesThem)
+{
+    ASSERT_EQ(Run(""), 0) << m_output;
+    EXPECT_FALSE(Says("backup")) << m_output;
+    EXPECT_EQ(Backups().size(), 0U);
+    std::string const content = Contents(Settings());
+    ASSERT_EQ(Run(""), 0) << m_output;
+    ASSERT_EQ(Backups().size(), 1U);
+    EXPECT_TRUE(Says("backup     " + Backups()[0].string())) << m_output;
+    EXPECT_EQ(Contents(Backups()[0]), content);
+}
+
+// However fast the runs follow each other.
+TEST_F(Station, HasOneBackupAtATime)
+{
+    for (int i = 0; i < 4; ++i) {
+        ASSERT_EQ(Run(""), 0) << m_output;
+        EXPECT_EQ(Backups().size(), i == 0 ? 0U : 1U);
+    }
+}
+
+TEST_F(Station, RestoresSettingsThatWereSpoiledByHand)
+{
+    ASSERT_EQ(Run(""), 0) << m_output;
+    ASSERT_EQ(Run(""), 0) << m_output;
+    ASSERT_EQ(Backups().size(), 1U);
+    std::string const content = Contents(Settings());
+    std::ofstream(Settings(), std::ios_base::binary) << content.substr(0, content.size() / 2);
+
+    // The second run's count went with the file; its backup is of the run before.
+    std::string const backup = Backups()[0].string();
+    ASSERT_EQ(Run(""), 0) << m_output;
+    EXPECT_TRUE(Says("could not be read; restored from " + backup)) << m_output;
+    EXPECT_TRUE(Says("Station 1, run 2")) << m_output;
+    EXPECT_TRUE(Says("3 records")) << m_output;
+    EXPECT_EQ(Load().GetValueInt32("Runs:Count", 0), 2);
+    EXPECT_EQ(Backups().size(), 1U);
+}
+
+TEST_F(Station, PassesOverBackupsThatAreSpoiledToo)
+{
+    ASSERT_EQ(Run(""), 0) << m_output;
+    ASSERT_EQ(Run(""), 0) << m_output;
+    std::string const backup = Backups()[0].string();
+    std::string const newer = (m_data / "Station_ffffffff.xml").string();
+    std::ofstream(newer, std::ios_base::binary) << "spoiled";
+    std::ofstream(Settings(), std::ios_base::binary) << "spoiled";
+    ASSERT_EQ(Run(""), 0) << m_output;
+    EXPECT_TRUE(Says("restored from " + backup)) << m_output;
+    EXPECT_EQ(Contents(newer), "spoiled");
 }
 
 TEST_F(Station, KeepsSettingsThatCannotBeReadUnderASecondName)
@@ -106,14 +262,11 @@ TEST_F(Station, KeepsSettingsThatCannotBeReadUnderASecondName)
     std::string const spoiled = "<Quarn_Properties><Key Name=\"Station\"><Value";
     std::ofstream(Settings(), std::ios_base::binary) << spoiled;
 
-    ASSERT_EQ(Run("--settings " + Settings()), 0) << m_output;
-    EXPECT_TRUE(Says("cannot be read")) << m_output;
-    bool kept = false;
-    for (fs::directory_entry const& entry : fs::directory_iterator(m_folder)) {
-        kept = kept || (entry.path().extension() == ".xml" && Contents(entry.path()) == spoiled);
-    }
-    EXPECT_TRUE(kept);
-    EXPECT_TRUE(Quarn::Win32::XMLPropPersist(Settings()).Exists());
+    ASSERT_EQ(Run(""), 0) << m_output;
+    EXPECT_TRUE(Says("could not be read; the file will be kept")) << m_output;
+    ASSERT_EQ(Backups().size(), 1U);
+    EXPECT_EQ(Contents(Backups()[0]), spoiled);
+    EXPECT_EQ(Load().GetValueInt32("Runs:Count", 0), 1);
 }
 
 TEST_F(Station, ShowsTheTreeOfASettingsFile)
