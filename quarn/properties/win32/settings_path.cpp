@@ -115,27 +115,28 @@ SettingsPath DivideSettingsPath(string const& path)
 
 bool ResolveSettingsPath(string const& path, SettingsPath& resolved)
 {
+    // A file that another saver replaces between its opening and the question for its path has none.
+    constexpr int kAttempts = 100;
     string whole;
     string full;
-    if (::GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES) {
-        if (!FinalPath(path, whole) || !FullPath(whole, full)) {
-            return false;
+    for (int i = 0; i < kAttempts && ::GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; ++i) {
+        if (FinalPath(path, whole) && FullPath(whole, full)) {
+            resolved = DivideSettingsPath(full);
+            return true;
         }
-        resolved = DivideSettingsPath(full);
-    } else {
-        if (!FullPath(LinkTarget(path), full)) {
-            return false;
-        }
-        resolved = DivideSettingsPath(full);
-        if (!FinalPath(resolved.folder, whole)) {
-            return false;
-        }
-        // The separator is the one in front of the name.
-        if (whole.back() != resolved.folder.back()) {
-            whole += resolved.folder.back();
-        }
-        resolved.folder = whole;
     }
+    if (::GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES || !FullPath(LinkTarget(path), full)) {
+        return false;
+    }
+    resolved = DivideSettingsPath(full);
+    if (!FinalPath(resolved.folder, whole)) {
+        return false;
+    }
+    // The separator is the one in front of the name.
+    if (whole.back() != resolved.folder.back()) {
+        whole += resolved.folder.back();
+    }
+    resolved.folder = whole;
     return true;
 }
 
