@@ -14,9 +14,10 @@ import sys
 INTRODUCTION = """# Performance
 
 Measured with Google Benchmark, every path beside its peers in one program and one run, repetitions in random order.
-The figures are medians of {repetitions} repetitions on {machine}; the spread is the coefficient of variation. A ratio
-is the other's time over ours: above 1, the library is faster. Rows named *limit* are hand-written code that does
-only the unavoidable work. `bench/run.sh` measures everything again and writes this page.
+The figures are medians of {repetitions} repetitions on {machine};
+the spread is the coefficient of variation. A ratio is the other's time over ours: above 1, the library is faster.
+Rows named *limit* are hand-written code that does only the unavoidable work. `bench/run.sh` measures everything again
+and writes this page; the peers need libdeflate-dev, libabsl-dev and qtbase5-dev, and are left out without them.
 
 Versions: {versions}.
 """
@@ -40,10 +41,8 @@ def machine():
 
 
 def versions():
-    packages = [
-        "g++", "zlib1g-dev", "libdeflate-dev", "libxerces-c-dev", "libbenchmark-dev", "libsqlite3-dev", "qtbase5-dev",
-        "libabsl-dev",
-    ]
+    packages = ["g++", "zlib1g-dev", "libdeflate-dev", "libxerces-c-dev", "libbenchmark-dev", "libsqlite3-dev",
+                "qtbase5-dev", "libabsl-dev"]
     found = []
     for package in packages:
         version = os.popen(f"dpkg-query -W -f='${{Version}}' {package} 2>/dev/null").read().strip()
@@ -55,7 +54,7 @@ def versions():
 def main():
     times = collections.defaultdict(list)
     order = {}
-    for file in sorted(glob.glob(os.path.join(sys.argv[1], "*.json"))):
+    for number, file in enumerate(sorted(glob.glob(os.path.join(sys.argv[1], "*.json")))):
         with open(file, encoding="utf-8") as text:
             for run in json.load(text)["benchmarks"]:
                 if run.get("run_type") != "iteration" or run.get("error_occurred"):
@@ -64,7 +63,7 @@ def main():
                 scale = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}[run["time_unit"]]
                 which = "real_time" if run["run_name"].endswith("/real_time") else "cpu_time"
                 times[name].append(run[which] * scale)
-                order.setdefault(name, len(order))
+                order.setdefault(name, (number, run["family_index"], run["per_family_instance_index"]))
     paths = collections.defaultdict(lambda: collections.defaultdict(dict))
     for name in sorted(times, key=order.get):
         path, peer, case = (name.split("/", 2) + [""])[:3]
