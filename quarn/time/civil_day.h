@@ -3,6 +3,7 @@
 // in whole numbers, which give the same result for every day.
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 
 namespace Quarn::detail {
@@ -30,28 +31,37 @@ inline std::int64_t DayNumber(int year, int month, int date)
     return (month + 1) * 306001 / 10000 + (year + 4716) * 1461 / 4 + date + correction - 1524;
 }
 
-// The date of a day below 2^53, before day 0 too. Gregorian from 2299161 on, which is 1582-10-15.
-inline CivilDay CivilDate(std::int64_t day)
+// The date of a day from 0 on. Int holds 20 times the day.
+template<std::integral Int>
+CivilDay CivilDateIn(Int day)
 {
-    constexpr std::int64_t cycle = 1461; // days in four years
-    constexpr std::int64_t firstGregorian = 2299161;
-    std::int64_t cycles = 0;
-    if (day < 0) {
-        cycles = -day / cycle + 1;
-        day += cycles * cycle;
-    }
+    constexpr Int firstGregorian = 2299161; // 1582-10-15
     if (day >= firstGregorian) {
-        std::int64_t const century = (4 * day - 7468865) / 146097; // (day - 1867216.25) / 36524.25
+        Int const century = (4 * day - 7468865) / 146097; // (day - 1867216.25) / 36524.25
         day += 1 + century - century / 4;
     }
     day += 1524;
-    std::int64_t const year = (20 * day - 2442) / 7305; // (day - 122.1) / 365.25
-    auto const rest = static_cast<std::int32_t>(day - year * cycle / 4);
-    std::int32_t const month = rest * 10000 / 306001;
+    Int const year = (20 * day - 2442) / 7305; // (day - 122.1) / 365.25
+    auto const rest = static_cast<std::uint32_t>(day - year * 1461 / 4);
+    std::uint32_t const month = rest * 10000 / 306001;
     CivilDay civil{};
-    civil.date = rest - month * 306001 / 10000;
-    civil.month = month < 14 ? month - 1 : month - 13;
-    civil.year = year - (civil.month > 2 ? 4716 : 4715) - 4 * cycles;
+    civil.date = static_cast<int>(rest - month * 306001 / 10000);
+    civil.month = static_cast<int>(month < 14 ? month - 1 : month - 13);
+    civil.year = static_cast<std::int64_t>(year) - (civil.month > 2 ? 4716 : 4715);
+    return civil;
+}
+
+// The date of a day below 2^53, before day 0 too.
+inline CivilDay CivilDate(std::int64_t day)
+{
+    constexpr std::int64_t cycle = 1461; // days in four years
+    constexpr std::int64_t shortLimit = 200'000'000;
+    if (day >= 0 && day < shortLimit) {
+        return CivilDateIn(static_cast<std::uint32_t>(day));
+    }
+    std::int64_t const cycles = day < 0 ? -day / cycle + 1 : 0;
+    CivilDay civil = CivilDateIn(day + cycles * cycle);
+    civil.year -= 4 * cycles;
     return civil;
 }
 

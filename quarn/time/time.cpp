@@ -26,13 +26,6 @@ constinit Time const Time::MinTime = TimeData{4224, 0};
 constinit Time const Time::MaxTime = TimeData{2147471324, 4022312935};
 constinit Time const Time::NoTime = TimeData{0, 0};
 
-Time::Time(std::uint16_t year, std::uint8_t month, std::uint8_t date, std::uint8_t hour, std::uint8_t minute,
-           std::uint8_t second, std::uint16_t millisecond, std::uint16_t microsecond)
-    : m_data{0, 0}
-{
-    Set(year, month, date, hour, minute, second, millisecond, microsecond);
-}
-
 Time::Time(std::tm const* calendar) : m_data{0, 0}
 {
     Setgm(calendar);
@@ -69,19 +62,6 @@ std::uint8_t Time::GetHour12() const
 {
     std::uint8_t const hour = GetHour();
     return static_cast<std::uint8_t>(hour <= 12 ? hour : hour - 12);
-}
-
-void Time::Set(std::uint16_t year, std::uint8_t month, std::uint8_t date, std::uint8_t hour,
-               std::uint8_t minute, std::uint8_t second, std::uint16_t millisecond, std::uint16_t microsecond)
-{
-    SetYear(year);
-    SetMonth(month);
-    SetDate(date);
-    SetHour(hour);
-    SetMinute(minute);
-    SetSecond(second);
-    SetMilliSecond(millisecond);
-    SetMicroSecond(microsecond);
 }
 
 double Time::GetJulian() const

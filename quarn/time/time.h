@@ -48,7 +48,11 @@ public:
     constexpr Time(TIME const& time) noexcept : m_data{time.High, time.Low} {}
     // As Set(); the reserved bits are 0.
     Time(std::uint16_t year, std::uint8_t month, std::uint8_t date, std::uint8_t hour, std::uint8_t minute,
-         std::uint8_t second, std::uint16_t millisecond, std::uint16_t microsecond);
+         std::uint8_t second, std::uint16_t millisecond, std::uint16_t microsecond)
+        : m_data{0, 0}
+    {
+        Set(year, month, date, hour, minute, second, millisecond, microsecond);
+    }
     // As Setgm() on NoTime.
     Time(std::tm const* calendar);
     // As SetUTC (`utc`) or SetLocal on NoTime: where the seconds are refused, NoTime.
@@ -89,7 +93,17 @@ public:
     void SetMicroSecond(std::uint16_t microsecond) { SetLow(microsecond, MicroMask, MicroShift); }
     // Replaces all fields, in this order, each as its own operation does; the reserved bits stay.
     void Set(std::uint16_t year, std::uint8_t month, std::uint8_t date, std::uint8_t hour,
-             std::uint8_t minute, std::uint8_t second, std::uint16_t millisecond, std::uint16_t microsecond);
+             std::uint8_t minute, std::uint8_t second, std::uint16_t millisecond, std::uint16_t microsecond)
+    {
+        SetYear(year);
+        SetMonth(month);
+        SetDate(date);
+        SetHour(hour);
+        SetMinute(minute);
+        SetSecond(second);
+        SetMilliSecond(millisecond);
+        SetMicroSecond(microsecond);
+    }
 
     // The Julian day of date, hour, minute and second: days since noon of -4712-01-01, so that midnight is a
     // half. 2000-01-01 00:00 is 2451544.5.

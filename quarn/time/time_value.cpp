@@ -15,6 +15,9 @@ constexpr std::int64_t firstDay = 1721058;
 // A number of seconds below a minute as a fraction.
 std::uint32_t ToFraction(std::int64_t seconds, std::int64_t milliseconds, std::int64_t microseconds)
 {
+    if (milliseconds == 0 && microseconds == 0 && seconds >= 0) {
+        return static_cast<std::uint32_t>(seconds) * TimeValue::SecondValue;
+    }
     double const value = static_cast<double>(milliseconds) / 1000.0 + static_cast<double>(seconds) +
                          static_cast<double>(microseconds) / 1000000.0;
     double const rounded = value * TimeValue::SecondValue + 0.5;
@@ -32,9 +35,12 @@ Second FromFraction(std::uint32_t fraction)
 {
     constexpr double most = 999.0;
     std::uint32_t const rest = fraction % TimeValue::SecondValue;
-    double const milliseconds = std::min(rest / TimeValue::MilliSecondValue, most);
     Second second{};
     second.seconds = fraction / TimeValue::SecondValue;
+    if (rest == 0) {
+        return second;
+    }
+    double const milliseconds = std::min(rest / TimeValue::MilliSecondValue, most);
     second.milliseconds = static_cast<std::uint16_t>(milliseconds);
     auto const units = static_cast<std::uint32_t>(second.milliseconds * TimeValue::MilliSecondValue);
     second.microseconds =
@@ -160,6 +166,33 @@ TimeValue& TimeValue::operator-=(TimeValue const& other)
 TimeValue TimeValue::operator*(unsigned int n) const
 {
     return Time().SetJulian(GetJulianValue() * n + JulianOffset);
+}
+
+// What times and durations make of each other stands here, so that the compiler sees all of it at once.
+
+Time Time::operator+(TimeValue const& duration) const
+{
+    return (TimeValue(*this) + duration).GetQuarnTime();
+}
+
+Time& Time::operator+=(TimeValue const& duration)
+{
+    return *this = *this + duration;
+}
+
+Time Time::operator-(TimeValue const& duration) const
+{
+    return (TimeValue(*this) - duration).GetQuarnTime();
+}
+
+Time& Time::operator-=(TimeValue const& duration)
+{
+    return *this = *this - duration;
+}
+
+TimeValue Time::Subtract(Time const& other) const
+{
+    return TimeValue(*this) - TimeValue(other);
 }
 
 } // namespace Quarn

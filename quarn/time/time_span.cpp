@@ -1,7 +1,6 @@
-// What times, durations and spans make of each other.
-#include "quarn/time/time.h"
 #include "quarn/time/time_span.h"
-#include "quarn/time/time_value.h"
+
+#include "quarn/time/time.h"
 
 namespace Quarn {
 
@@ -24,31 +23,6 @@ std::uint64_t Seconds(TimeSpan const& span)
 }
 
 } // namespace
-
-Time Time::operator+(TimeValue const& duration) const
-{
-    return (TimeValue(*this) + duration).GetQuarnTime();
-}
-
-Time& Time::operator+=(TimeValue const& duration)
-{
-    return *this = *this + duration;
-}
-
-Time Time::operator-(TimeValue const& duration) const
-{
-    return (TimeValue(*this) - duration).GetQuarnTime();
-}
-
-Time& Time::operator-=(TimeValue const& duration)
-{
-    return *this = *this - duration;
-}
-
-TimeValue Time::Subtract(Time const& other) const
-{
-    return TimeValue(*this) - TimeValue(other);
-}
 
 Time Time::operator+(TimeSpan const& span) const
 {
