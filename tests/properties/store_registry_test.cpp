@@ -29,7 +29,7 @@ public:
         return (parts[0] - 1) / sizeof(void*);
     }
 
-    void NeverAskTheRegistry() { m_registryFallback = false; }
+    using QuarnProperties::SetRegistryFallback;
     bool BaseHook() { return QuarnProperties::OnPopulateFromRegistry(); }
 
     int m_calls = 0;
@@ -171,7 +171,7 @@ TEST_F(SeededStore, WithoutARegistryKeyIsNotSeededAndCallsNoHook)
 TEST_F(SeededStore, MayBeToldNotToAskTheRegistry)
 {
     CountingStore store = Store();
-    store.NeverAskTheRegistry();
+    store.SetRegistryFallback(false);
     CountingStore copy(store);
     EXPECT_FALSE(store.Populate());
     EXPECT_FALSE(copy.Populate());

@@ -97,7 +97,7 @@ protected:
     static bool RemoveAllXML(Quarn::string const& fileName);
 
     // Whether Populate asks the registry where there is no file; true from the start.
-    bool m_registryFallback = true;
+    void SetRegistryFallback(bool on) { m_registryFallback = on; }
 
 private:
     static Quarn::string MakeFilePath(Quarn::string const& fileName);
@@ -108,6 +108,7 @@ private:
     Quarn::string m_xmlFilePath;
     bool m_populatedOK = false;
     bool m_autoPersist = true;
+    bool m_registryFallback = true;
     // The file holds something that the last Populate did not load.
     bool m_spoiled = false;
 };
