@@ -1,4 +1,5 @@
-// The files of a test's store in the data folder that private_machine.cpp has made for the test program.
+// The files of a test's store in the data folder that platform/private_machine.cpp has made for the test
+// program.
 #pragma once
 
 #include "quarn/properties/win32/property_stores.h"
@@ -33,7 +34,7 @@ protected:
     void SetUp() override
     {
         ASSERT_EQ(std::filesystem::path(DataFolder()),
-                  std::filesystem::path(std::getenv("QUARN_TEST_MACHINE")))
+                  std::filesystem::path(std::getenv("QUARN_TEST_MACHINE")) / "data")
             << "the test would touch the user's settings";
     }
 

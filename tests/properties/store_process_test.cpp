@@ -135,6 +135,27 @@ TEST_F(SharedStore, IsSavedOverAFileThatDidNotLoadWhichGetsASecondName)
     EXPECT_EQ(ContentOf(Backups()[0]), "broken");
 }
 
+TEST_F(SharedStore, WhoseRestoringIsKilledHasTheOldFileOrTheBackup)
+{
+    ASSERT_EQ(Run("exit"), 7);
+    std::filesystem::path const data = DataFolder();
+    std::filesystem::copy_file(Path(), data / "Holvek40_kept.xml");
+    for (unsigned int i = 0; i < 10; ++i) {
+        ChildProcess child({"store", "restore"});
+        EXPECT_TRUE(WaitForFile((data / "ready").string()));
+        ::Sleep(i * 2);
+        child.Kill();
+        std::filesystem::remove(data / "ready");
+        long const number = Saved();
+        EXPECT_TRUE(number == 1 || number == 2) << number;
+    }
+    // What the killed ones have left goes with the next save.
+    EXPECT_EQ(Run("exit"), 7);
+    std::set<std::string> names = Names();
+    names.erase("Holvek40_copy.xml");
+    EXPECT_EQ(names, (std::set<std::string>{"Holvek40.xml", "Holvek40_kept.xml"}));
+}
+
 // ---- in the child
 
 void Count()
@@ -155,6 +176,29 @@ int Load(bool commonFirst)
     // Later calls return the instance as it is.
     store.SetValue("new", PropertyData(1), true);
     return HolvekProps().HasValue("new") && CommonProps().GetParentKey()->HasValue("new") ? 0 : 2;
+}
+
+std::filesystem::path FolderOfStores()
+{
+    char folder[MAX_PATH];
+    return HolvekProperties::GetXMLFolder(folder) ? folder : "";
+}
+
+// Saves a changed file and puts the kept one back, until somebody ends it.
+int RestoreForEver()
+{
+    std::filesystem::path const data = FolderOfStores();
+    std::string const kept = ContentOf((data / "Holvek40_kept.xml").string());
+    HolvekProperties store;
+    for (;;) {
+        std::string const copy = (data / "Holvek40_copy.xml").string();
+        WriteContent(copy, kept);
+        store.AddSubKey("Common")->SetValue("number", PropertyData(2), true);
+        if (!store.Persist(true) || !store.RestoreXML(copy)) {
+            return 1;
+        }
+        WriteContent((data / "ready").string(), "");
+    }
 }
 
 struct CountAtTheEnd
@@ -190,14 +234,15 @@ int RunChildCommand(int count, char** arguments)
     }
     if (what == "wait") {
         Count();
-        char folder[MAX_PATH];
-        HolvekProperties::GetXMLFolder(folder);
-        WriteContent((std::filesystem::path(folder) / "ready").string(), "");
+        WriteContent((FolderOfStores() / "ready").string(), "");
         ::Sleep(600'000);
         return 1;
     }
     if (what == "load" || what == "load common") {
         return Load(what != "load");
+    }
+    if (what == "restore") {
+        return RestoreForEver();
     }
     if (what == "look") {
         CommonProps();
