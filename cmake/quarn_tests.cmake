@@ -8,15 +8,25 @@ if(QUARN_BUILD_TESTS)
   include(googletest)
 endif()
 
-function(quarn_discover_tests name)
+function(quarn_set_test_options name)
   target_link_libraries(${name} PRIVATE GTest::gtest GTest::gtest_main quarn_warnings)
-  # Half of the time that a test takes to compile is this header.
-  target_precompile_headers(${name} PRIVATE <gtest/gtest.h>)
   # The library is optimised where it ships; its tests need not be, and are built in half the time.
   target_compile_options(${name} PRIVATE $<$<CONFIG:Release>:-O0>)
   if(WIN32)
     target_compile_options(${name} PRIVATE -Wa,-mbig-obj)
   endif()
+endfunction()
+
+function(quarn_discover_tests name)
+  quarn_set_test_options(${name})
+  # Half of the time that a test takes to compile is this header, so it is compiled once for all programs.
+  if(NOT TARGET quarn_test_header)
+    file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/test_header.cpp CONTENT "")
+    add_library(quarn_test_header OBJECT ${PROJECT_BINARY_DIR}/test_header.cpp)
+    quarn_set_test_options(quarn_test_header)
+    target_precompile_headers(quarn_test_header PRIVATE <gtest/gtest.h>)
+  endif()
+  target_precompile_headers(${name} REUSE_FROM quarn_test_header)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   target_compile_definitions(${name} PRIVATE QUARN_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data")
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60

@@ -42,12 +42,12 @@ bool FinalPath(string const& path, string& final)
     if (!file.IsOpen() || !TakePath(ask, final)) {
         return false;
     }
-    constexpr std::string_view kPrefix = R"(\\?\)";
-    constexpr std::string_view kSharePrefix = R"(\\?\UNC\)";
+    constexpr std::string_view kPathPrefix = R"(\\?\)";
+    constexpr std::string_view kSharedPathPrefix = R"(\\?\UNC\)";
     std::string_view rest = final;
-    if (rest.size() < MAX_PATH && rest.substr(0, kPrefix.size()) == kPrefix) {
-        bool const isShare = rest.substr(0, kSharePrefix.size()) == kSharePrefix;
-        rest.remove_prefix(isShare ? kSharePrefix.size() : kPrefix.size());
+    if (rest.size() < MAX_PATH && rest.substr(0, kPathPrefix.size()) == kPathPrefix) {
+        bool const isShare = rest.substr(0, kSharedPathPrefix.size()) == kSharedPathPrefix;
+        rest.remove_prefix(isShare ? kSharedPathPrefix.size() : kPathPrefix.size());
         final = (isShare ? "\\\\" : "") + std::string(rest);
     }
     return true;
