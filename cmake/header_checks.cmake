@@ -1,7 +1,8 @@
-# Every public header compiles alone, twice in one unit, and after <windows.h>, with all warnings; and none but
-# the seam's header brings the system's in.
+# Every public header compiles alone and twice in one unit, and all do after <windows.h>, with all warnings; and
+# none but the seam's header brings the system's in.
 get_target_property(public_headers QuarnUtil HEADER_SET)
 set(sources)
+set(after_windows "#include <windows.h>\n")
 foreach(header IN LISTS public_headers)
   file(RELATIVE_PATH header ${PROJECT_SOURCE_DIR} ${header})
   string(MAKE_C_IDENTIFIER ${header} name)
@@ -12,12 +13,11 @@ foreach(header IN LISTS public_headers)
   endif()
   file(CONFIGURE OUTPUT header_checks/${name}.cpp CONTENT "${text}" @ONLY)
   list(APPEND sources ${CMAKE_CURRENT_BINARY_DIR}/header_checks/${name}.cpp)
-
-  if(WIN32)
-    file(CONFIGURE OUTPUT header_checks/windows_${name}.cpp
-      CONTENT "#include <windows.h>\n#include \"${header}\"\n" @ONLY)
-    list(APPEND sources ${CMAKE_CURRENT_BINARY_DIR}/header_checks/windows_${name}.cpp)
-  endif()
+  string(APPEND after_windows "#include \"${header}\"\n")
 endforeach()
+if(WIN32)
+  file(CONFIGURE OUTPUT header_checks/after_windows.cpp CONTENT "${after_windows}" @ONLY)
+  list(APPEND sources ${CMAKE_CURRENT_BINARY_DIR}/header_checks/after_windows.cpp)
+endif()
 add_library(header_checks OBJECT ${sources})
 target_link_libraries(header_checks PRIVATE QuarnUtil::QuarnUtil quarn_warnings)
