@@ -167,8 +167,10 @@ TEST(TimeValue, ParseTimeBringsBackWhatSetTookToTheMicrosecond)
 
 TEST(TimeValue, ParseTimeIntoNothingDoesNothing)
 {
-    TimeValue(1, 2).ParseTime(nullptr);
-    SUCCEED();
+    TimeValue const duration(1, 2, 3, 4, 5, 6);
+    std::string const before = Parts(duration);
+    duration.ParseTime(nullptr);
+    EXPECT_EQ(Parts(duration), before);
 }
 
 TEST(TimeValue, OfATimeIsItsDistanceFromYear0)
