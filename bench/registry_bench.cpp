@@ -59,36 +59,29 @@ void QuarnWrite(benchmark::State& state)
     ::RegCloseKey(key);
 }
 
-template<int Count>
-void QuarnListValues(benchmark::State& state)
+constexpr DWORD nameSize = 16;
+
+bool HasValue(HKEY key, DWORD index, char* name)
 {
-    HKEY const key = MakeKey(Count == largeCount ? "Large" : "Small", Count);
-    for (auto _ : state) {
-        char name[16];
-        DWORD size = sizeof name;
-        DWORD index = 0;
-        while (::RegEnumValueA(key, index, name, &size, nullptr, nullptr, nullptr, nullptr) == 0) {
-            ++index;
-            size = sizeof name;
-        }
-        if (index != Count) {
-            state.SkipWithError("not all were listed");
-        }
-    }
-    ::RegCloseKey(key);
+    DWORD size = nameSize;
+    return ::RegEnumValueA(key, index, name, &size, nullptr, nullptr, nullptr, nullptr) == 0;
 }
 
-template<int Count>
-void QuarnListKeys(benchmark::State& state)
+bool HasSubKey(HKEY key, DWORD index, char* name)
+{
+    DWORD size = nameSize;
+    return ::RegEnumKeyExA(key, index, name, &size, nullptr, nullptr, nullptr, nullptr) == 0;
+}
+
+template<int Count, bool (*Has)(HKEY key, DWORD index, char* name)>
+void QuarnList(benchmark::State& state)
 {
     HKEY const key = MakeKey(Count == largeCount ? "Large" : "Small", Count);
     for (auto _ : state) {
-        char name[16];
-        DWORD size = sizeof name;
+        char name[nameSize];
         DWORD index = 0;
-        while (::RegEnumKeyExA(key, index, name, &size, nullptr, nullptr, nullptr, nullptr) == 0) {
+        while (Has(key, index, name)) {
             ++index;
-            size = sizeof name;
         }
         if (index != Count) {
             state.SkipWithError("not all were listed");
@@ -250,11 +243,11 @@ BENCHMARK(QuarnRead)->Name("registry/quarn/read a value");
 BENCHMARK(SqliteRead)->Name("registry/bare SELECT/read a value");
 BENCHMARK(QuarnWrite)->Name("registry/quarn/write a value");
 BENCHMARK(SqliteWrite)->Name("registry/bare upsert/write a value");
-BENCHMARK(QuarnListValues<1000>)->Name("registry/quarn/list 1,000 values");
-BENCHMARK(QuarnListValues<largeCount>)->Name("registry/quarn/list 10,000 values");
+BENCHMARK(QuarnList<1000, HasValue>)->Name("registry/quarn/list 1,000 values");
+BENCHMARK(QuarnList<largeCount, HasValue>)->Name("registry/quarn/list 10,000 values");
 BENCHMARK(SqliteList)->Name("registry/one SELECT/list 10,000 values");
-BENCHMARK(QuarnListKeys<1000>)->Name("registry/quarn/list 1,000 sub-keys");
-BENCHMARK(QuarnListKeys<largeCount>)->Name("registry/quarn/list 10,000 sub-keys");
+BENCHMARK(QuarnList<1000, HasSubKey>)->Name("registry/quarn/list 1,000 sub-keys");
+BENCHMARK(QuarnList<largeCount, HasSubKey>)->Name("registry/quarn/list 10,000 sub-keys");
 BENCHMARK(QuarnSeed)->Name("registry/quarn/seed a tree with 10,000 values and keys");
 BENCHMARK(QuarnWriteRecord)->Name("packed record/quarn/write");
 BENCHMARK(SnprintfRecord)->Name("packed record/snprintf/write");
