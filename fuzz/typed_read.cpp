@@ -4,6 +4,8 @@
 #include "quarn/stream/memory_stream.h"
 #include "quarn/stream/stream_exception.h"
 #include "quarn/time/time.h"
+#include "quarn/units/unit_names.h"
+#include "quarn/units/velocity.h"
 
 #include "tests/stream/run_length_compressor.h"
 
@@ -35,7 +37,7 @@ public:
 
     void Do(unsigned char operation)
     {
-        switch (operation % 18) {
+        switch (operation % 20) {
         case 0:
             return Value<unsigned char>();
         case 1:
@@ -90,9 +92,21 @@ public:
             m_stream.readsome(block, sizeof block);
             return See(block);
         }
-        default:
+        case 17:
             m_stream.SetInputCompressor(&m_compressor);
             return;
+        case 18: {
+            Quarn::Distance<float> distance;
+            m_stream >> distance;
+            See(distance);
+            return SeeText(Win32Quarn::GetUnitsNamePlural(distance.unit));
+        }
+        default: {
+            Quarn::Velocity<float> velocity;
+            m_stream >> velocity;
+            See(velocity);
+            return See(Quarn::Distance<float>{Quarn::Distance<float>::Mile, 1.0F} / velocity);
+        }
         }
     }
 

@@ -1,10 +1,12 @@
 // The order of the virtual operations is part of the interface. Where a pointer to a virtual member function
 // holds one more than the operation's offset in the table of virtual functions (the C++ ABI of all compilers
-// in use), it tells the order. The destructor takes the first two slots.
+// in use), it tells the order. A destructor takes two slots: the first two of the streams, the last two of
+// others.
 #include "quarn/stream/compress.h"
 #include "quarn/stream/istream.h"
 #include "quarn/stream/ostream.h"
 #include "quarn/text/exception.h"
+#include "quarn/units/unit_enumerators.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -81,6 +83,16 @@ TEST(SlotOrder, OfTheCompressorBeginsWithItsFiveOperations)
     EXPECT_EQ(Slot(&StreamCompress::Reset), 2U);
     EXPECT_EQ(Slot(&StreamCompress::GetMinimumSize), 3U);
     EXPECT_EQ(Slot(&StreamCompress::Release), 4U);
+}
+
+TEST(SlotOrder, OfTheUnitEnumeratorsBeginsWithTheirOneOperation)
+{
+    EXPECT_EQ(Slot(&Quarn::DistanceUnitEnumerator::Enumerate), 0U);
+    EXPECT_EQ(Slot(&Quarn::LargeDistanceUnitEnumerator::Enumerate), 0U);
+    EXPECT_EQ(Slot(&Quarn::MediumDistanceUnitEnumerator::Enumerate), 0U);
+    EXPECT_EQ(Slot(&Quarn::SmallDistanceUnitEnumerator::Enumerate), 0U);
+    EXPECT_EQ(Slot(&Quarn::VelocityUnitEnumerator::Enumerate), 0U);
+    EXPECT_EQ(Slot(&Quarn::VelocityUnitEnumerator1::Enumerate), 0U);
 }
 
 TEST(SlotOrder, OfTheExceptionIsThatOfTheStandardOne)

@@ -1,0 +1,10 @@
+// Quarn::Volume: the place of a quantity that has neither value nor unit yet. Copying and assigning it does
+// nothing.
+#pragma once
+
+namespace Quarn {
+
+class Volume
+{};
+
+} // namespace Quarn
