@@ -5,6 +5,7 @@
 #include "quarn/text/narrowing.h"
 
 #include <cstdint>
+#include <typeinfo>
 
 namespace Quarn {
 
@@ -51,65 +52,108 @@ std::streamoff Offset(unsigned long offset)
     return static_cast<std::uint32_t>(offset);
 }
 
+// The bytes that a file's buffer has at hand, which the standard shows to derived classes alone.
+struct AtHand : std::filebuf
+{
+    static unsigned char* First(std::filebuf const& buffer)
+    {
+        return reinterpret_cast<unsigned char*>((buffer.*&AtHand::gptr)());
+    }
+    static unsigned char* Last(std::filebuf const& buffer)
+    {
+        return reinterpret_cast<unsigned char*>((buffer.*&AtHand::egptr)());
+    }
+    static void Skip(std::filebuf& buffer, std::ptrdiff_t count)
+    {
+        (buffer.*&AtHand::gbump)(static_cast<int>(count));
+    }
+};
+
 } // namespace
 
 ifstream::ifstream()
 {
+    SetWindow(&m_window);
     m_stream.setstate(std::ios_base::failbit);
 }
 
 ifstream::ifstream(char const* path, int mode)
 {
+    SetWindow(&m_window);
     open(path, mode);
 }
 
 ifstream::~ifstream() = default;
 
+// A class derived from this one may have an `input` of its own, which must see every byte.
+void ifstream::OpenWindow()
+{
+    if (m_stream.good() && typeid(*this) == typeid(ifstream)) {
+        m_window.next = AtHand::First(*m_stream.rdbuf());
+        m_window.end = AtHand::Last(*m_stream.rdbuf());
+    }
+}
+
+void ifstream::CloseWindow()
+{
+    if (m_window.next != nullptr) {
+        AtHand::Skip(*m_stream.rdbuf(), m_window.next - AtHand::First(*m_stream.rdbuf()));
+        m_window.next = nullptr;
+        m_window.end = nullptr;
+    }
+}
+
 void ifstream::open(char const* path, int mode)
 {
+    CloseWindow();
     Open(m_stream, m_path, path, mode, std::ios_base::in);
 }
 
 void ifstream::close()
 {
+    CloseWindow();
     m_stream.close();
-}
-
-unsigned int ifstream::gcount() const
-{
-    return detail::NarrowCount(static_cast<std::size_t>(m_stream.gcount()));
 }
 
 unsigned int ifstream::readsome(unsigned char* buffer, unsigned long n)
 {
+    CloseWindow();
     std::streamsize const count = m_stream.readsome(reinterpret_cast<char*>(buffer), detail::NarrowCount(n));
-    return detail::NarrowCount(static_cast<std::size_t>(count));
+    return m_window.lastRead = detail::NarrowCount(static_cast<std::size_t>(count));
 }
 
 unsigned int ifstream::peek()
 {
+    CloseWindow();
+    m_window.lastRead = 0;
     return static_cast<unsigned int>(m_stream.peek());
 }
 
 istream& ifstream::putback(unsigned char c)
 {
+    CloseWindow();
+    m_window.lastRead = 0;
     m_stream.putback(static_cast<char>(c));
     return *this;
 }
 
 istream& ifstream::unget()
 {
+    CloseWindow();
+    m_window.lastRead = 0;
     m_stream.unget();
     return *this;
 }
 
 int ifstream::sync()
 {
+    CloseWindow();
     return m_stream.sync();
 }
 
 istream& ifstream::seekg(unsigned long offset, unsigned int direction)
 {
+    CloseWindow();
     std::ios_base::seekdir standard = std::ios_base::beg;
     if (Direction(direction, standard)) {
         m_stream.seekg(Offset(offset), standard);
@@ -121,12 +165,14 @@ istream& ifstream::seekg(unsigned long offset, unsigned int direction)
 
 istream& ifstream::seekg(std::streampos position)
 {
+    CloseWindow();
     m_stream.seekg(position);
     return *this;
 }
 
 std::streampos ifstream::tellg()
 {
+    CloseWindow();
     return m_stream.tellg();
 }
 
@@ -137,6 +183,7 @@ bool ifstream::IsValidInput() const
 
 void ifstream::clearstate()
 {
+    CloseWindow();
     bool const atEnd = m_stream.eof();
     m_stream.clear();
     if (atEnd) {
@@ -149,10 +196,13 @@ void ifstream::clearstate()
 
 istream& ifstream::input(unsigned char* buffer, unsigned long n)
 {
+    CloseWindow();
     m_stream.read(reinterpret_cast<char*>(buffer), detail::NarrowCount(n));
+    m_window.lastRead = detail::NarrowCount(static_cast<std::size_t>(m_stream.gcount()));
     if (m_stream.fail()) {
         throw StreamException(StreamException::GenericRead);
     }
+    OpenWindow();
     return *this;
 }
 

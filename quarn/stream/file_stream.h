@@ -40,7 +40,7 @@ public:
 
     // The counts of the standard stream, narrowed as Int64ToUInt32 does. readsome brings what is at hand
     // without waiting, which may be less than the file has.
-    unsigned int gcount() const override;
+    unsigned int gcount() const override { return m_window.lastRead; }
     unsigned int readsome(unsigned char* buffer, unsigned long n) override;
     // At the end of the file, 4294967295.
     unsigned int peek() override;
@@ -63,7 +63,12 @@ protected:
     istream& input(unsigned char* buffer, unsigned long n) override;
 
 private:
+    void OpenWindow();
+    void CloseWindow();
+
     std::ifstream m_stream;
+    // Over the bytes that the standard stream has at hand; its lastRead is the count of all reads.
+    detail::Window m_window;
     string m_path;
 };
 

@@ -20,6 +20,7 @@
 namespace Quarn {
 
 class StreamCompress;
+class TextStreamReader;
 class Time;
 
 class QUARN_API istream
@@ -111,6 +112,8 @@ protected:
     void SetWindow(detail::Window* window) { m_window = window; }
 
 private:
+    friend class TextStreamReader;
+
     // The next `n` bytes, or null where they must come through `input`.
     unsigned char const* Take(std::size_t n)
     {
