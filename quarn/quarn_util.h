@@ -33,6 +33,7 @@
 #include "quarn/stream/stat_stream.h"
 #include "quarn/stream/stream_exception.h"
 #include "quarn/stream/string_stream.h"
+#include "quarn/stream/text_reader.h"
 #include "quarn/stream/window.h"
 #include "quarn/stream/wire.h"
 #include "quarn/text/exception.h"

@@ -382,8 +382,8 @@ private:
 
 TEST(TextStreamReader, EveryStreamExceptionEndsTheData)
 {
-    ThrowingInput corrupted(Quarn::StreamException(Quarn::StreamException::CorruptedData));
-    ThrowingInput version(Quarn::StreamVersionException(2, 1, 0));
+    ThrowingInput corrupted{Quarn::StreamException(Quarn::StreamException::CorruptedData)};
+    ThrowingInput version{Quarn::StreamVersionException(2, 1, 0)};
     for (Quarn::istream* const stream :
          {static_cast<Quarn::istream*>(&corrupted), static_cast<Quarn::istream*>(&version)}) {
         TextStreamReader reader(*stream);
