@@ -1,6 +1,7 @@
 #!/bin/bash
 # Builds the library and runs its example, a small station program: a first run that the registry seeds, a second
-# one that continues it, and one that finds its settings spoiled and restores them from their backup.
+# one that continues it and names its units in German, and one that finds its settings spoiled and restores them from
+# their backup; then lists what the runs have left.
 #
 #   ./demo.sh             on Linux
 #   ./demo.sh --windows   the same program cross-built for Windows and run under Wine
@@ -64,9 +65,10 @@ mkdir -p "$data"
 cd "$data" || exit 1
 station --commission "Pump house" 15
 station
-station
+station --language DEU
 say "Spoiling Station.xml: a hand that cuts it off behind 300 bytes"
 truncate -s 300 Station.xml || exit 1
 echo
 station
 station --show Station.xml
+station --dump

@@ -18,6 +18,11 @@ constexpr std::uint64_t entryHeadSize = 8;
 
 } // namespace
 
+std::string JournalPath(Quarn::Win32::QuarnProperties& settings)
+{
+    return std::filesystem::path(settings.GetXMLFilePath().c_str()).replace_extension(".journal").string();
+}
+
 Measure Append(std::string const& path, Record const& record)
 {
     ZlibCompressor compressor;

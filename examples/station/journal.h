@@ -2,6 +2,8 @@
 // each, then its bytes; the text in a record is compressed where that may pay.
 #pragma once
 
+#include "quarn/properties/win32/property_stores.h"
+
 #include "record.h"
 
 #include <cstdint>
@@ -25,6 +27,9 @@ struct JournalSummary
     std::uint64_t restBytes = 0;
     std::string restReason;
 };
+
+// The journal beside the settings file.
+std::string JournalPath(Quarn::Win32::QuarnProperties& settings);
 
 // Appends the record at the end of the journal. Throws Quarn::StreamException when the file cannot be
 // written.

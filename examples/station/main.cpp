@@ -5,8 +5,11 @@
 //   station --commission NAME PERCENT    names the station and sets its limit of free disk space, for the
 //                                        first run
 //   station --show FILE                  prints the tree of any settings file
+//   station --dump                       prints the journal, record by record
+//   station --language CODE ...          any of them with the library's texts in a language such as DEU
 //
 // Settings and journal lie in the machine's data folder.
+#include "quarn/platform/module.h"
 #include "quarn/platform/version_info.h"
 #include "quarn/properties/property_collection.h"
 #include "quarn/properties/win32/property_stores.h"
@@ -52,13 +55,13 @@ void ShowRefusal(unsigned int id, unsigned int version)
 
 void ShowJournal(std::string const& path)
 {
-    std::string first;
-    std::string last;
-    station::JournalSummary const summary = station::ReadJournal(
-        path, [&](station::Record const& record) { (first.empty() ? first : last) = record.time; });
+    Quarn::Time first = Quarn::Time::NoTime;
+    station::JournalSummary const summary = station::ReadJournal(path, [&](station::Record const& record) {
+        first = first == Quarn::Time::NoTime ? record.time : first;
+    });
     std::printf("journal    %u record%s, %llu bytes, every checksum right; the first of %s UTC\n",
                 summary.records, summary.records == 1 ? "" : "s",
-                static_cast<unsigned long long>(summary.goodBytes), first.c_str());
+                static_cast<unsigned long long>(summary.goodBytes), station::TimeText(first).c_str());
 }
 
 // One run over settings that are loaded.
@@ -85,12 +88,13 @@ void Run(Quarn::Win32::QuarnProperties& settings)
                 record.totalBytes / gigabyte, static_cast<double>(record.freePercent), limit);
     std::printf("machine    %u processors, up for %u h %02u min\n", static_cast<unsigned>(record.processors),
                 record.upSeconds / 3600, record.upSeconds / 60 % 60);
+    record.pipe = station::ReadPipe(settings);
+    std::printf("pipe       %s\n", station::Describe(record.pipe).c_str());
     for (Quarn::string const& remark : record.remarks) {
         std::printf("remark     %s\n", remark.c_str());
     }
 
-    std::string const journal =
-        std::filesystem::path(settings.GetXMLFilePath().c_str()).replace_extension(".journal").string();
+    std::string const journal = station::JournalPath(settings);
     std::string const aside = station::SetAside(journal, station::ReadJournal(journal, [](auto const&) {}));
     if (!aside.empty()) {
         std::printf("journal    was damaged; it is kept as %s\n", aside.c_str());
@@ -112,7 +116,8 @@ void Run(Quarn::Win32::QuarnProperties& settings)
     settings.SetValueInt32(spec, true);
     spec.Format("Runs:Count=%u", record.run);
     settings.SetValueInt32(spec, true);
-    settings.SetValueString("Runs:Last=" + record.time, true);
+    settings.SetValueString("Runs:Last=" + station::TimeText(record.time), true);
+    station::WritePipe(settings, record.pipe);
     station::WriteWindow(settings, station::NextWindow(window));
 }
 
@@ -151,12 +156,33 @@ int ShowFile(std::string const& path)
     return 0;
 }
 
+int DumpJournal()
+{
+    Quarn::Win32::QuarnProperties settings = station::MakeSettings();
+    std::string const path = station::JournalPath(settings);
+    station::JournalSummary const summary = station::ListJournal(path);
+    if (summary.restBytes != 0) {
+        std::fprintf(stderr, "station: %s is damaged behind these records: %s\n", path.c_str(),
+                     summary.restReason.c_str());
+        return 1;
+    }
+    if (summary.records == 0) {
+        std::fprintf(stderr, "station: there is no record in %s\n", path.c_str());
+        return 1;
+    }
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
-    std::vector<std::string> const arguments(argv + 1, argv + argc);
+    std::vector<std::string> arguments(argv + 1, argv + argc);
     try {
+        if (arguments.size() >= 2 && arguments[0] == "--language") {
+            QuarnUtil::InitLanguage(arguments[1].c_str());
+            arguments.erase(arguments.begin(), arguments.begin() + 2);
+        }
         if (arguments.empty()) {
             return RunOnce();
         }
@@ -166,10 +192,14 @@ int main(int argc, char** argv)
         if (arguments.size() == 2 && arguments[0] == "--show") {
             return ShowFile(arguments[1]);
         }
+        if (arguments.size() == 1 && arguments[0] == "--dump") {
+            return DumpJournal();
+        }
     } catch (std::exception const& failure) {
         std::fprintf(stderr, "station: %s\n", failure.what());
         return 1;
     }
-    std::fprintf(stderr, "usage: station [--commission NAME PERCENT | --show FILE]\n");
+    std::fprintf(stderr,
+                 "usage: station [--language CODE] [--commission NAME PERCENT | --show FILE | --dump]\n");
     return 2;
 }

@@ -1,24 +1,11 @@
 #include "readings.h"
 
 #include <chrono>
-#include <ctime>
 #include <filesystem>
 #include <system_error>
 #include <thread>
 
 namespace station {
-
-namespace {
-
-Quarn::string TimeOfDay()
-{
-    std::time_t const now = std::time(nullptr);
-    char text[64] = "";
-    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", std::gmtime(&now));
-    return text;
-}
-
-} // namespace
 
 void TakeReadings(Record& record)
 {
@@ -37,7 +24,7 @@ void TakeReadings(Record& record)
     record.upSeconds =
         static_cast<std::uint32_t>(duration_cast<seconds>(steady_clock::now().time_since_epoch()).count());
     record.processors = static_cast<std::uint16_t>(std::thread::hardware_concurrency());
-    record.time = TimeOfDay();
+    record.time = Quarn::UTCTime();
 }
 
 } // namespace station

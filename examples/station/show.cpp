@@ -1,5 +1,7 @@
 #include "show.h"
 
+#include "quarn/stream/dump_streams.h"
+
 #include <cstdio>
 
 namespace station {
@@ -28,6 +30,17 @@ void Show(Quarn::PropertyCollection const& settings)
 {
     std::printf("%s\n", settings.GetDocumentDescription().c_str());
     ShowKey(settings, 1);
+}
+
+JournalSummary ListJournal(std::string const& path)
+{
+    return ReadJournal(path, [](Record const& record) {
+        Quarn::statdumpstream counter(false);
+        counter << record;
+        Quarn::memorydumpstream listing(counter.GetSize());
+        listing << record;
+        std::fwrite(listing.GetMemory(), 1, counter.GetSize(), stdout);
+    });
 }
 
 } // namespace station

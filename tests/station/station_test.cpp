@@ -1,122 +1,16 @@
-// The sample station as a user runs it: a program, its output, its files.
+// What the station keeps from run to run: its settings and their backups, its journal.
 #include "quarn/platform/version_info.h"
-#include "quarn/platform/win32_api.h"
-#include "quarn/properties/property_collection.h"
-#include "quarn/properties/win32/property_stores.h"
-#include "quarn/properties/win32/xml_persist.h"
 
-#include <cstdlib>
-#include <filesystem>
+#include "tests/station/station_fixture.h"
+
 #include <fstream>
-#include <iterator>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string Contents(fs::path const& path)
-{
-    std::ifstream file(path, std::ios_base::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-// The station's data folder and registry are the test's own; on Windows those of the machine, which is a Wine
-// prefix, so that one test runs at a time.
-class Station : public testing::Test
-{
-protected:
-    void SetUp() override
-    {
-        m_folder =
-            fs::absolute("station_test") / testing::UnitTest::GetInstance()->current_test_info()->name();
-        fs::remove_all(m_folder);
-        fs::create_directories(m_folder);
-#if defined(_WIN32)
-        char folder[MAX_PATH];
-        ASSERT_TRUE(Quarn::Win32::QuarnProperties::GetXMLFolder(folder));
-        m_data = folder;
-#else
-        m_data = m_folder / "data";
-        fs::create_directory(m_data);
-        ::setenv("QUARNUTIL_MACHINE_DIR", m_data.c_str(), 1);
-#endif
-        RemoveFiles();
-    }
-    void TearDown() override
-    {
-        RemoveFiles();
-        fs::remove_all(m_folder);
-    }
-
-    std::string Settings() const
-    {
-        return (m_data / "Station.xml").string();
-    }
-    fs::path Journal() const
-    {
-        return m_data / "Station.journal";
-    }
-    // The second names of the settings file.
-    std::vector<fs::path> Backups() const
-    {
-        std::vector<fs::path> backups;
-        for (fs::path const& path : Files()) {
-            if (path.filename().string().rfind("Station_", 0) == 0) {
-                backups.push_back(path);
-            }
-        }
-        return backups;
-    }
-    Quarn::PropertyCollection Load() const
-    {
-        Quarn::PropertyCollection settings;
-        EXPECT_TRUE(Quarn::Win32::XMLPropPersist(Settings()).Populate(&settings));
-        return settings;
-    }
-
-    // Runs the program; its output, both kinds, is in m_output.
-    int Run(std::string const& arguments)
-    {
-        fs::path const out = m_folder / "output.txt";
-        std::string const program = fs::path(QUARN_STATION).make_preferred().string();
-        int const status = std::system((program + " " + arguments + " > " + out.string() + " 2>&1").c_str());
-        m_output = Contents(out);
-        return status;
-    }
-    bool Says(std::string const& text) const
-    {
-        return m_output.find(text) != std::string::npos;
-    }
-
-    fs::path m_folder;
-    fs::path m_data;
-    std::string m_output;
-
-private:
-    std::vector<fs::path> Files() const
-    {
-        std::vector<fs::path> files;
-        for (fs::directory_entry const& entry : fs::directory_iterator(m_data)) {
-            if (entry.path().filename().string().rfind("Station", 0) == 0) {
-                files.push_back(entry.path());
-            }
-        }
-        return files;
-    }
-    void RemoveFiles() const
-    {
-        for (fs::path const& path : Files()) {
-            fs::remove(path);
-        }
-#if defined(_WIN32)
-        ::SHDeleteKeyA(HKEY_LOCAL_MACHINE, "SOFTWARE\\Tessary\\Station");
-#endif
-    }
-};
 
 TEST_F(Station, SecondRunContinuesTheFirst)
 {
@@ -151,7 +45,7 @@ TEST_F(Station, RefusesForeignAndNewerRecordsWithTheLibrarysWords)
 {
     ASSERT_EQ(Run(""), 0) << m_output;
     EXPECT_TRUE(Says("Stream type check failed, expecting 0x53544e31 found 0x4c4f4731")) << m_output;
-    EXPECT_TRUE(Says("Version check 3 exceeds 2 for id=0x53544E31. Software is out of date.")) << m_output;
+    EXPECT_TRUE(Says("Version check 4 exceeds 3 for id=0x53544E31. Software is out of date.")) << m_output;
 }
 
 TEST_F(Station, KeepsADamagedJournalAndGoesOnBehindItsWholeRecords)
