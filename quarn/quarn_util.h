@@ -5,6 +5,7 @@
 #include "quarn/platform/allocation.h"
 #include "quarn/platform/directory.h"
 #include "quarn/platform/guards.h"
+#include "quarn/platform/log.h"
 #include "quarn/platform/message.h"
 #include "quarn/platform/module.h"
 #include "quarn/platform/resource_strings.h"

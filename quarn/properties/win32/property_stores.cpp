@@ -1,5 +1,6 @@
 #include "quarn/properties/win32/property_stores.h"
 
+#include "quarn/platform/data_folder.h"
 #include "quarn/platform/win32_api.h"
 #include "quarn/properties/win32/registry_seed.h"
 #include "quarn/properties/win32/settings_backup.h"
@@ -9,23 +10,6 @@
 #include <filesystem>
 
 namespace Quarn::Win32 {
-
-namespace {
-
-// The first data folder that the system has; `folder` has MAX_PATH bytes.
-bool FindDataFolder(char* folder)
-{
-    constexpr int kFolders[] = {CSIDL_COMMON_DOCUMENTS, CSIDL_COMMON_APPDATA, CSIDL_APPDATA,
-                                CSIDL_LOCAL_APPDATA, CSIDL_PERSONAL};
-    for (int const number : kFolders) {
-        if (SUCCEEDED(::SHGetFolderPathA(nullptr, number, nullptr, 0, folder))) {
-            return true;
-        }
-    }
-    return false;
-}
-
-} // namespace
 
 Quarn::string const QuarnProperties::m_documentType = "Quarn_Properties";
 
@@ -103,7 +87,7 @@ void QuarnProperties::Clear()
 bool QuarnProperties::GetXMLFolder(char* folder)
 {
     char found[MAX_PATH];
-    if (folder == nullptr || !FindDataFolder(found)) {
+    if (folder == nullptr || !detail::FindDataFolder(found)) {
         return false;
     }
     std::size_t length = std::strlen(found);
@@ -153,7 +137,7 @@ bool QuarnProperties::RemoveAllXML(Quarn::string const& fileName)
 Quarn::string QuarnProperties::MakeFilePath(Quarn::string const& fileName)
 {
     char folder[MAX_PATH];
-    if (!FindDataFolder(folder) || ::PathAddBackslashA(folder) == nullptr) {
+    if (!detail::FindDataFolder(folder) || ::PathAddBackslashA(folder) == nullptr) {
         return fileName;
     }
     return folder + fileName;

@@ -1,0 +1,10 @@
+// (private) The folder for what applications keep: settings, the log.
+#pragma once
+
+namespace Quarn::detail {
+
+// The first that the system has of these shell folders: common documents, common application data,
+// application data, local application data, personal. `folder` has MAX_PATH bytes. False where there is none.
+bool FindDataFolder(char* folder);
+
+} // namespace Quarn::detail

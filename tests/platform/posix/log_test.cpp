@@ -1,0 +1,178 @@
+// The log on devices and in surroundings that only POSIX can make.
+#include "quarn/platform/log.h"
+#include "quarn/platform/win32_api.h"
+
+#include "tests/platform/scratch_folder.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace Log = Win32Quarn::Log;
+
+namespace {
+
+class PosixLog : public testing::Test
+{
+protected:
+    ~PosixLog() override
+    {
+        Log::Close();
+        Log::SetPath("");
+    }
+};
+
+constexpr unsigned long NoSpace = ENOSPC;
+
+TEST_F(PosixLog, FullDiskShowsWhenAMessageClosesTheFile)
+{
+    ASSERT_EQ(Log::SetPath("/dev/full"), 0);
+    for (int const options : {1, 17, 1 | 4, 1 | 8}) {
+        EXPECT_EQ(Log::Output(0, options, "x"), -4);
+        EXPECT_EQ(Log::GetErrorInformation(), NoSpace);
+        EXPECT_EQ(Log::Output(0, options, "x"), -5);
+        EXPECT_EQ(Log::Close(), -2);
+        Log::ClearError();
+    }
+}
+
+TEST_F(PosixLog, FullDiskShowsWhenTheBufferIsFull)
+{
+    ASSERT_EQ(Log::SetPath("/dev/full"), 0);
+    std::string const text(10'000'000, 'x');
+    int const result = Log::Output(0, 16, text.c_str());
+    EXPECT_TRUE(result == -3 || result == -4) << result; // as the last of the text meets it
+    EXPECT_EQ(Log::GetErrorInformation(), NoSpace);
+    EXPECT_EQ(Log::Output(0, "x"), -5);
+    EXPECT_EQ(Log::Close(), -2);
+}
+
+TEST_F(PosixLog, FullDiskShowsAfterManyMessages)
+{
+    ASSERT_EQ(Log::SetPath("/dev/full"), 0);
+    int result = 0;
+    for (int i = 0; i < 1'000'000 && result == 0; ++i) {
+        result = Log::Output(0, 16, "a message");
+    }
+    EXPECT_TRUE(result == -3 || result == -4) << result;
+    EXPECT_EQ(Log::GetErrorInformation(), NoSpace);
+    EXPECT_EQ(Log::Close(), -2);
+}
+
+TEST_F(PosixLog, FullDiskShowsWhenTheLogIsClosed)
+{
+    ASSERT_EQ(Log::SetPath("/dev/full"), 0);
+    EXPECT_EQ(Log::Output(0, 16, "in the buffer"), 0);
+    EXPECT_EQ(Log::Close(), -1);
+    EXPECT_EQ(Log::GetErrorInformation(), NoSpace);
+    EXPECT_EQ(Log::Close(), -2);
+    EXPECT_EQ(Log::Output(0, "x"), -5);
+}
+
+std::ptrdiff_t OpenFiles()
+{
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
+
+TEST_F(PosixLog, FailuresKeepNoFileOpen)
+{
+    std::ptrdiff_t const before = OpenFiles();
+    ASSERT_EQ(Log::SetPath("/dev/full"), 0);
+    EXPECT_EQ(Log::Output(0, "x"), -4);
+    Log::ClearError();
+    EXPECT_LT(Log::Output(0, std::string(1'000'000, 'x').c_str()), 0);
+    Log::ClearError();
+    EXPECT_EQ(Log::Output(0, 2, "x"), -4);
+    Log::ClearError();
+    EXPECT_EQ(Log::Output(0, 0, "x"), 0);
+    EXPECT_EQ(OpenFiles(), before + 1);
+    EXPECT_EQ(Log::Close(), -1);
+    EXPECT_EQ(OpenFiles(), before);
+}
+
+// A variable with another value until the end of the test.
+class Variable
+{
+public:
+    Variable(char const* name, std::string const& value) : m_name(name)
+    {
+        char const* const old = ::getenv(name);
+        m_wasSet = old != nullptr;
+        m_old = m_wasSet ? old : "";
+        ::setenv(name, value.c_str(), 1);
+    }
+    Variable(Variable const&) = delete;
+    Variable& operator=(Variable const&) = delete;
+    ~Variable()
+    {
+        if (m_wasSet) {
+            ::setenv(m_name, m_old.c_str(), 1);
+        } else {
+            ::unsetenv(m_name);
+        }
+    }
+
+private:
+    char const* m_name;
+    bool m_wasSet = false;
+    std::string m_old;
+};
+
+TEST_F(PosixLog, WithoutAnyDataFolderThereIsNoDefaultPath)
+{
+    ScratchFolder const folder;
+    // None of these can be a folder, or be made.
+    std::string const none = std::filesystem::absolute(folder.Make("file")).string() + "/none";
+    Variable const machine("QUARNUTIL_MACHINE_DIR", none);
+    Variable const config("XDG_CONFIG_HOME", none);
+    Variable const data("XDG_DATA_HOME", none);
+    {
+        Variable const home("HOME", none);
+        for (int i = 0; i < 2; ++i) { // the error is not set
+            EXPECT_EQ(Log::Output(0, "x"), -6);
+            EXPECT_STREQ(Log::GetPath(), "");
+        }
+    }
+    Variable const home("HOME", std::filesystem::absolute(folder.Path()).string());
+    EXPECT_EQ(Log::Output(0, "x"), 0);
+    EXPECT_EQ(Log::GetPath(), std::filesystem::absolute(folder / "log_test.log").string());
+    EXPECT_EQ(ContentOf(folder / "log_test.log"), "x\n");
+}
+
+TEST_F(PosixLog, ADefaultPathThatIsTooLongIsNone)
+{
+    ScratchFolder const folder;
+    std::string path = std::filesystem::absolute(folder.Path()).string() + "/";
+    ASSERT_LT(path.size(), 240U);
+    for (std::size_t const length : {246U, 247U, 259U}) { // "/log_test.log" has 13 characters
+        std::string const deep = path + std::string(length - path.size(), 'd');
+        std::filesystem::create_directory(deep);
+        Variable const machine("QUARNUTIL_MACHINE_DIR", deep);
+        if (length == 246) {
+            EXPECT_EQ(Log::Output(0, "x"), 0);
+            EXPECT_EQ(std::strlen(Log::GetPath()), 259U);
+            EXPECT_EQ(Log::SetPath(""), 0);
+        } else {
+            EXPECT_EQ(Log::Output(0, "x"), -6);
+            EXPECT_EQ(Log::GetErrorInformation(), ERROR_FILENAME_EXCED_RANGE);
+        }
+    }
+}
+
+TEST_F(PosixLog, AFileThatNobodyMayWriteIsRefusedToAllButTheSuperuser)
+{
+    ScratchFolder const folder;
+    std::string const path = folder.Make("a.log");
+    MakeReadOnly(path);
+    ASSERT_EQ(Log::SetPath(path.c_str()), 0);
+    bool const isSuperuser = ::geteuid() == 0;
+    EXPECT_EQ(Log::Output(0, "x"), isSuperuser ? 0 : -2);
+    EXPECT_EQ(ContentOf(path), isSuperuser ? "x\n" : "content");
+}
+
+} // namespace
