@@ -1,7 +1,7 @@
 #!/bin/bash
 # Builds the library and runs its example, a small station program: a first run that the registry seeds, a second
 # one that continues it and names its units in German, and one that finds its settings spoiled and restores them from
-# their backup; then lists what the runs have left.
+# their backup; then shows what the runs have left.
 #
 #   ./demo.sh             on Linux
 #   ./demo.sh --windows   the same program cross-built for Windows and run under Wine
@@ -72,3 +72,5 @@ echo
 station
 station --show Station.xml
 station --dump
+say "Station.log"
+cat Station.log

@@ -13,10 +13,16 @@ using Velocity = Quarn::Velocity<float>;
 constexpr char lengthRecord[] = "fi";
 constexpr char speedRecord[] = "fii";
 
-Quarn::string TimeUnitName(int unit)
+struct TimeUnit
 {
-    static constexpr char const* names[] = {"s", "min", "h"};
-    return unit >= 0 && unit < 3 ? names[unit] : "?";
+    char const* name;
+    double seconds;
+};
+
+TimeUnit TimeUnitOf(int unit)
+{
+    static constexpr TimeUnit units[] = {{"s", 1}, {"min", 60}, {"h", 3600}};
+    return unit >= 0 && unit < 3 ? units[unit] : TimeUnit{"?", 1};
 }
 
 Quarn::string Describe(Distance const& distance)
@@ -62,6 +68,16 @@ void WritePipe(Quarn::PropertyKey& settings, Pipe const& pipe)
                                   pipe.speed.unit.time);
 }
 
+double Meters(Quarn::Distance<float> const& distance)
+{
+    return static_cast<double>(In(Distance::Meter, distance).value);
+}
+
+double MetersPerSecond(Quarn::Velocity<float> const& speed)
+{
+    return Meters({speed.unit.distance, speed.value}) / TimeUnitOf(speed.unit.time).seconds;
+}
+
 Quarn::string Describe(Pipe const& pipe)
 {
     Quarn::string text = Describe(pipe.length);
@@ -74,9 +90,9 @@ Quarn::string Describe(Pipe const& pipe)
     Quarn::DTime<float> const time = pipe.length / pipe.speed;
     Quarn::string rest;
     rest.Format(", %.1f %s on the way at %.2f %s/%s", static_cast<double>(time.value),
-                TimeUnitName(time.unit).c_str(), static_cast<double>(pipe.speed.value),
+                TimeUnitOf(time.unit).name, static_cast<double>(pipe.speed.value),
                 Win32Quarn::GetUnitsAbbrev(pipe.speed.unit.distance).c_str(),
-                TimeUnitName(pipe.speed.unit.time).c_str());
+                TimeUnitOf(pipe.speed.unit.time).name);
     return text + rest;
 }
 

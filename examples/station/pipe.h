@@ -19,6 +19,9 @@ struct Pipe
 Pipe ReadPipe(Quarn::PropertyKey const& settings);
 void WritePipe(Quarn::PropertyKey& settings, Pipe const& pipe);
 
+double Meters(Quarn::Distance<float> const& distance);
+double MetersPerSecond(Quarn::Velocity<float> const& speed);
+
 // The pipe for people: its length in the setting's unit and in the units that are usual for such lengths, and
 // how long the water takes, in the language of the library's texts.
 Quarn::string Describe(Pipe const& pipe);
