@@ -125,7 +125,11 @@ bool WriteStamp(unsigned int options)
     if (!isWritten) {
         SetError(errno);
     }
-    ::fputs("| ", g_log.file);
+    // Behind a failed stamp, too.
+    if (::fputs("| ", g_log.file) < 0 && isWritten) {
+        SetError(errno);
+        return false;
+    }
     return isWritten;
 }
 
@@ -153,8 +157,9 @@ bool WriteMessage(unsigned int options, char const* text)
     if (!WriteStamp(options) || !WriteText(text)) {
         return false;
     }
-    if ((options & WithLineFeed) != 0) {
-        ::fputc('\n', g_log.file);
+    if ((options & WithLineFeed) != 0 && ::fputc('\n', g_log.file) == EOF) {
+        SetError(errno);
+        return false;
     }
     return true;
 }

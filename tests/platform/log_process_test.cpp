@@ -164,6 +164,9 @@ int RunChildCommand(int count, char** arguments)
     if (what == "default") {
         return LogByDefault(arguments[3]);
     }
+    if (what == "no default") {
+        return Log::Output(0, "x") == -6 && Log::GetErrorInformation() == ERROR_INSUFFICIENT_BUFFER ? 0 : 1;
+    }
     if (what == "dropped") {
         return Log::Output(1, "dropped") == 0 && *Log::GetPath() == '\0' ? 0 : 1;
     }

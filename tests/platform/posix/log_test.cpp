@@ -2,6 +2,7 @@
 #include "quarn/platform/log.h"
 #include "quarn/platform/win32_api.h"
 
+#include "platform/child_process.h"
 #include "tests/platform/scratch_folder.h"
 
 #include <cerrno>
@@ -52,16 +53,22 @@ TEST_F(PosixLog, FullDiskShowsWhenTheBufferIsFull)
     EXPECT_EQ(Log::Close(), -2);
 }
 
+// In the date, in what stands behind it, in the text or in the line feed, as the lengths come.
 TEST_F(PosixLog, FullDiskShowsAfterManyMessages)
 {
     ASSERT_EQ(Log::SetPath("/dev/full"), 0);
-    int result = 0;
-    for (int i = 0; i < 1'000'000 && result == 0; ++i) {
-        result = Log::Output(0, 16, "a message");
+    for (std::size_t length = 0; length < 40; ++length) {
+        std::string const text(length, 'x');
+        int result = 0;
+        for (int i = 0; i < 100'000 && result == 0; ++i) {
+            result = Log::Output(0, 4 | 16, text.c_str());
+        }
+        EXPECT_TRUE(result == -3 || result == -4) << result;
+        EXPECT_EQ(Log::GetErrorInformation(), NoSpace);
+        EXPECT_EQ(Log::Output(0, 4 | 16, text.c_str()), -5);
+        EXPECT_EQ(Log::Close(), -2);
+        Log::ClearError();
     }
-    EXPECT_TRUE(result == -3 || result == -4) << result;
-    EXPECT_EQ(Log::GetErrorInformation(), NoSpace);
-    EXPECT_EQ(Log::Close(), -2);
 }
 
 TEST_F(PosixLog, FullDiskShowsWhenTheLogIsClosed)
@@ -162,6 +169,16 @@ TEST_F(PosixLog, ADefaultPathThatIsTooLongIsNone)
             EXPECT_EQ(Log::GetErrorInformation(), ERROR_FILENAME_EXCED_RANGE);
         }
     }
+}
+
+TEST_F(PosixLog, AnExecutableWhosePathIsTooLongHasNoDefaultPath)
+{
+    ScratchFolder const folder;
+    std::string const deep = folder / std::string(150, 'd') + "/" + std::string(150, 'e');
+    std::filesystem::create_directories(deep);
+    std::string const program = std::filesystem::absolute(deep).string() + "/program";
+    std::filesystem::copy_file("/proc/self/exe", program);
+    EXPECT_EQ(ChildProcess({"log", "no default", "-"}, program).Wait(), 0);
 }
 
 TEST_F(PosixLog, AFileThatNobodyMayWriteIsRefusedToAllButTheSuperuser)
