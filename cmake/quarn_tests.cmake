@@ -15,6 +15,10 @@ function(quarn_set_test_options name)
   if(WIN32)
     target_compile_options(${name} PRIVATE -Wa,-mbig-obj)
   endif()
+  if(QUARN_COVERAGE) # of the tests' own code, what they take from the library's headers
+    target_compile_options(${name} PRIVATE --coverage -fprofile-filter-files=/quarn/.*[.]h$)
+    target_link_options(${name} PRIVATE --coverage)
+  endif()
 endfunction()
 
 function(quarn_discover_tests name)
@@ -29,6 +33,10 @@ function(quarn_discover_tests name)
   target_precompile_headers(${name} REUSE_FROM quarn_test_header)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   target_compile_definitions(${name} PRIVATE QUARN_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data")
+  if(QUARN_COVERAGE) # each program's counts in a folder of their own
+    set_property(TARGET ${name} PROPERTY CROSSCOMPILING_EMULATOR
+      ${CMAKE_COMMAND} -E env GCOV_PREFIX=${PROJECT_BINARY_DIR}/coverage/${name})
+  endif()
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
     WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR} PROPERTIES ${quarn_test_properties})
 endfunction()

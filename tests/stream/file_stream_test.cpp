@@ -132,6 +132,22 @@ TEST(FileStream, GoesOnAtTheCurrentPositionAfterClearstate)
     EXPECT_EQ(c, 'c');
 }
 
+TEST(FileStream, AWriterGoesOnAfterClearstate)
+{
+    ScratchFolder const folder;
+    std::string const path = folder.Make("file", "");
+    ofstream stream(path.c_str(), ios_base::binary);
+    stream << 'a';
+    stream.seekp(0, 3); // no direction
+    EXPECT_FALSE(stream.IsValidOutput());
+    EXPECT_EQ(ThrownText([&] { stream << 'b'; }), "Generic Write");
+    stream.clearstate();
+    EXPECT_TRUE(stream.IsValidOutput());
+    stream << 'c';
+    stream.close();
+    EXPECT_EQ(ContentOf(path), "ac");
+}
+
 TEST(FileStream, TwoReadersAndAWriterShareAFile)
 {
     ScratchFolder const folder;
