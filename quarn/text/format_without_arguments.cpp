@@ -107,7 +107,10 @@ public:
     }
 
 private:
-    bool Put(std::string_view text) const { return m_put(m_context, text.data(), text.size()); }
+    bool Put(std::string_view text) const
+    {
+        return text.empty() || m_put(m_context, text.data(), text.size());
+    }
 
     // `text` is the conversion as it stands.
     bool Put(BareConversion const& conversion, std::string_view text) const

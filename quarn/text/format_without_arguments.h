@@ -21,8 +21,8 @@
 
 namespace Quarn::detail {
 
-// Hands the text on in pieces, from left to right: put(context, piece, size), whose false ends it. False when
-// it was ended so.
+// Hands the text on in pieces that are not empty, from left to right: put(context, piece, size), whose false
+// ends it. False when it was ended so.
 bool FormatWithoutArguments(char const* format, bool (*put)(void*, char const*, std::size_t), void* context);
 
 // put(piece, size)

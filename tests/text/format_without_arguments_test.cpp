@@ -24,6 +24,7 @@ std::string Rendered(std::string_view format)
     std::string text;
     EXPECT_TRUE(
         Quarn::detail::FormatWithoutArguments(exact.get(), [&text](char const* piece, std::size_t size) {
+            EXPECT_GT(size, 0U);
             text.append(piece, size);
             return true;
         }));
