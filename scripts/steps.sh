@@ -35,7 +35,8 @@ run_tests() {
     shift
     say "Testing $preset"
     rm -f "$results"
-    ctest --preset "$preset" --parallel "$jobs" --output-junit "$results" "$@" </dev/null |
+    # One more than processors: some tests wait for others.
+    ctest --preset "$preset" --parallel $((jobs + 1)) --output-junit "$results" "$@" </dev/null |
         awk '!/^ +Start +[0-9]+: / && !/ Passed +[0-9.]+ sec$/ && !/^Test project /'
     status=${PIPESTATUS[0]}
     # The end of the Wine server is a step of CTest's, no test.
