@@ -44,11 +44,13 @@ void MutexWrapper::Release()
     if (m_mutex == nullptr) {
         return;
     }
+    DWORD const error = ::GetLastError();
     ::ReleaseMutex(m_mutex);
     if (m_owned) {
         ::CloseHandle(m_mutex);
     }
     m_mutex = nullptr;
+    ::SetLastError(error);
 }
 
 WaitCursor::WaitCursor() : m_previous(::SetCursor(::LoadCursorA(nullptr, IDC_WAIT))) {}

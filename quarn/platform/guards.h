@@ -47,7 +47,7 @@ public:
     ~MutexWrapper();
 
     // Gives the mutex up now; again, it does nothing. A failure, such as that of a mutex that another thread
-    // holds, is ignored.
+    // holds, is ignored; the thread's last error stays that of the work before.
     void Release();
 
 private:

@@ -12,6 +12,7 @@
 namespace {
 
 constinit HINSTANCE g_library = nullptr;
+constinit HANDLE g_libraryMutex = nullptr;
 constinit HINSTANCE g_languageModule = nullptr;
 constinit bool g_languageChosen = false;
 
@@ -33,6 +34,9 @@ namespace Quarn::detail {
 void Attach(HINSTANCE library)
 {
     g_library = library;
+    if (g_libraryMutex == nullptr) {
+        g_libraryMutex = ::CreateMutexA(nullptr, FALSE, "Win32LibraryMutex");
+    }
 }
 
 void Detach()
@@ -40,6 +44,11 @@ void Detach()
     // Fixed texts, which readers of the debugger's output know; nothing is counted.
     ::OutputDebugStringA("\r\n** Dumping Win32Util Memory **\r\n------------------------------\r\n");
     ::OutputDebugStringA("(No leaks)\r\n");
+}
+
+HANDLE LibraryMutex()
+{
+    return g_libraryMutex;
 }
 
 HINSTANCE ResourceModule()

@@ -10,9 +10,13 @@ namespace Quarn::detail {
 #if defined(_WIN32)
 constexpr char PathSeparator = '\\';
 constexpr std::string_view PathSeparators = "\\/";
+constexpr std::string_view DriveMarks = ":";
+constexpr char PathListSeparator = ';'; // between the folders of PATH
 #else
 constexpr char PathSeparator = '/';
 constexpr std::string_view PathSeparators = "/";
+constexpr std::string_view DriveMarks;
+constexpr char PathListSeparator = ':';
 #endif
 
 // Put together again they give the path.

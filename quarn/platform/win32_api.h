@@ -21,7 +21,8 @@
 // These two need the types of the first.
 #include <shlobj.h>
 #include <shlwapi.h>
-// The runtime library's conversions, named below.
+// The runtime library's functions that are named below.
+#include <stdlib.h>
 #include <time.h>
 
 #else
@@ -110,11 +111,14 @@ constexpr DWORD ERROR_DISK_FULL = 112;
 constexpr DWORD ERROR_INSUFFICIENT_BUFFER = 122;
 constexpr DWORD ERROR_INVALID_NAME = 123;
 constexpr DWORD ERROR_MOD_NOT_FOUND = 126;
+constexpr DWORD ERROR_PROC_NOT_FOUND = 127;
 constexpr DWORD ERROR_DIR_NOT_EMPTY = 145;
 constexpr DWORD ERROR_BAD_PATHNAME = 161;
 constexpr DWORD ERROR_BUSY = 170;
+constexpr DWORD ERROR_INVALID_ORDINAL = 182;
 constexpr DWORD ERROR_ALREADY_EXISTS = 183;
 constexpr DWORD ERROR_BAD_EXE_FORMAT = 193;
+constexpr DWORD ERROR_ENVVAR_NOT_FOUND = 203;
 constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
 constexpr DWORD ERROR_FILE_TOO_LARGE = 223;
 constexpr DWORD ERROR_MORE_DATA = 234;
@@ -232,6 +236,7 @@ QUARN_API BOOL FindClose(HANDLE search);
 constexpr DWORD FILE_NAME_NORMALIZED = 0x0;
 constexpr DWORD VOLUME_NAME_DOS = 0x0;
 
+QUARN_API DWORD GetCurrentDirectoryA(DWORD size, char* buffer);
 // ".." behind a symbolic link stays as it is: the result always names the same file.
 QUARN_API DWORD GetFullPathNameA(char const* path, DWORD size, char* buffer, char** filePart);
 // The path as it is now, without symbolic links. On Windows it begins with "\\?\".
@@ -287,6 +292,10 @@ QUARN_API char* PathAddBackslashA(char* path);
 // ---- processes and clocks
 
 QUARN_API DWORD GetCurrentProcessId();
+QUARN_API DWORD GetEnvironmentVariableA(char const* name, char* buffer, DWORD size);
+// The C runtime's, under its name on Windows: the empty value removes the variable. No other thread may use
+// the environment at the same time.
+QUARN_API int _putenv_s(char const* name, char const* value);
 QUARN_API void Sleep(DWORD milliseconds);
 QUARN_API ULONGLONG GetTickCount64();
 
@@ -350,6 +359,11 @@ QUARN_API DWORD GetModuleFileNameA(HMODULE module, char* buffer, DWORD size);
 // Loads a module, or counts one reference more. A name without a dot gets ".so". A name without '/' is looked
 // for beside the executable, by the system, in the current directory and along PATH.
 QUARN_API HMODULE LoadLibraryA(char const* path);
+
+using FARPROC = std::intptr_t (*)();
+
+// What the module itself exports under this name. There are no ordinals (ERROR_INVALID_ORDINAL).
+QUARN_API FARPROC GetProcAddress(HMODULE module, char const* name);
 
 // A text that does not fit is cut off behind a whole character. `size` 0, which on Windows hands out the
 // resource itself, does nothing, with the result -1.

@@ -1,6 +1,9 @@
+#include "quarn/platform/win32_library.h"
+
 #include "platform/child_process.h"
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <string_view>
 
@@ -53,6 +56,47 @@ int IsFolder(int number, std::string_view path)
     return SUCCEEDED(::SHGetFolderPathA(nullptr, number, nullptr, 0, folder)) && folder == path ? 1 : 0;
 }
 
+std::string PathOfTheSystem()
+{
+    std::string path(65'536, '\0');
+    path.resize(::GetEnvironmentVariableA("PATH", path.data(), static_cast<DWORD>(path.size())));
+    return path;
+}
+
+// Does the steps in their order: "PATH=value" sets PATH, where nothing removes it; "cd=folder"; "load=name"
+// lets the library find a module, "system=name" the system alone; "mark=file" makes a file. Then writes PATH
+// to the file `result`, as the runtime library has it and as the system has it, unless the name is empty.
+// Returns the number of the module that was found last; 0 where the last search has found none.
+int UseLibraries(std::string const& result, char** begin, char** end)
+{
+    HINSTANCE module = nullptr;
+    for (std::string step : std::vector<std::string>(begin, end)) {
+        std::string const value = step.substr(step.find('=') + 1);
+        step.resize(step.find('='));
+        if (step == "PATH") {
+            ::_putenv_s("PATH", value.c_str());
+        } else if (step == "cd") {
+            std::filesystem::current_path(value);
+        } else if (step == "load") {
+            module = Win32Quarn::LoadLib(value);
+        } else if (step == "system") {
+            module = ::LoadLibraryA(value.c_str());
+        } else {
+            std::ofstream(value) << "x";
+        }
+    }
+    if (!result.empty()) {
+        char const* const path = std::getenv("PATH");
+        std::ofstream(result, std::ios_base::binary) << (path != nullptr ? path : "") << '\n'
+                                                     << PathOfTheSystem();
+    }
+    if (module == nullptr) {
+        return 0;
+    }
+    auto const number = reinterpret_cast<void (*)()>(::GetProcAddress(module, "CompanionNumber"));
+    return number != nullptr ? reinterpret_cast<int (*)()>(number)() : 0;
+}
+
 } // namespace
 
 int RunChildCommand(int count, char** arguments)
@@ -69,6 +113,9 @@ int RunChildCommand(int count, char** arguments)
     }
     if (command == "folder" && count == 4) {
         return IsFolder(std::atoi(arguments[2]), arguments[3]);
+    }
+    if (command == "library" && count > 3) {
+        return UseLibraries(arguments[2], arguments + 3, arguments + count);
     }
     return -1;
 }

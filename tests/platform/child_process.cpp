@@ -14,7 +14,7 @@ std::string g_program;
 
 } // namespace
 
-std::string const& ChildProcess::OwnProgram()
+std::string const& OwnProgram()
 {
     return g_program;
 }

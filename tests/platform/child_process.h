@@ -6,6 +6,9 @@
 #include <string>
 #include <vector>
 
+// The path of this test program.
+std::string const& OwnProgram();
+
 class ChildProcess
 {
 public:
@@ -21,8 +24,6 @@ public:
     void Kill();
 
 private:
-    static std::string const& OwnProgram();
-
 #if defined(_WIN32)
     HANDLE m_process = nullptr;
 #else

@@ -137,8 +137,10 @@ TEST_F(Mutex, AFailureToReleaseIsIgnored)
     {
         MutexWrapper guard(m_mutex);
         EXPECT_TRUE(::ReleaseMutex(m_mutex));
+        ::SetLastError(7777);
         guard.Release();
     }
+    EXPECT_EQ(::GetLastError(), 7777U) << "the error of the work before";
     EXPECT_TRUE(IsFree());
 }
 

@@ -59,6 +59,17 @@ TEST(Module, WhatIsNoModuleIsNotLoaded)
     EXPECT_EQ(::GetLastError(), static_cast<DWORD>(ERROR_BAD_EXE_FORMAT));
 }
 
+TEST(Module, ExportsAreFoundByTheirExactNamesInTheModuleItself)
+{
+    HINSTANCE const library = QuarnUtil::GetLibraryInstance();
+    EXPECT_NE(::GetProcAddress(library, "_ZN9QuarnUtil18GetLibraryInstanceEv"), nullptr);
+    for (char const* const name : {"_zn9quarnutil18getlibraryinstanceev", "none", "", "malloc"}) {
+        ::SetLastError(7777);
+        EXPECT_EQ(::GetProcAddress(library, name), nullptr) << name;
+        EXPECT_EQ(::GetLastError(), static_cast<DWORD>(ERROR_PROC_NOT_FOUND)) << name;
+    }
+}
+
 #if defined(_WIN32)
 
 // What goes to the debugger is an exception first, which the process itself may see.

@@ -76,6 +76,18 @@ TEST(SeamPath, FullPathsNegotiateTheirBuffer)
     EXPECT_EQ(::GetFullPathNameA(nullptr, 0, nullptr, nullptr), 0U);
 }
 
+TEST(SeamPath, TheCurrentDirectoryNegotiatesItsBuffer)
+{
+    std::string const expected = CurrentDirectory();
+    auto const length = static_cast<DWORD>(expected.size());
+    std::string buffer(length + 2, '#');
+    EXPECT_EQ(::GetCurrentDirectoryA(0, nullptr), length + 1);
+    EXPECT_EQ(::GetCurrentDirectoryA(length, buffer.data()), length + 1);
+    EXPECT_EQ(::GetCurrentDirectoryA(length + 1, buffer.data()), length);
+    EXPECT_EQ(buffer.c_str(), expected);
+    EXPECT_EQ(buffer[length + 1], '#');
+}
+
 HANDLE OpenForItsPath(std::string const& path)
 {
     return ::CreateFileA(path.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,

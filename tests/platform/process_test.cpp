@@ -1,10 +1,12 @@
-// Codes, clock and widths through the seam, the same on both systems.
+// Codes, environment, clock and widths through the seam, the same on both systems.
 
 // The order that a client has when a public header comes first.
 #include "quarn/platform/win32_api.h"
 #include "quarn/platform/win32_types.h"
 
 #include <atomic>
+#include <cstdlib>
+#include <string>
 #include <thread>
 #include <type_traits>
 
@@ -41,6 +43,36 @@ TEST(SeamError, EachThreadHasItsOwnCode)
     EXPECT_EQ(after, 12345U);
     ::SetLastError(0xFFFFFFFF);
     EXPECT_EQ(::GetLastError(), 0xFFFFFFFFU);
+}
+
+TEST(SeamEnvironment, WhatTheRuntimeSetsTheSystemHasToo)
+{
+    char buffer[10];
+    for (char const* const value : {"first", "other"}) {
+        EXPECT_EQ(::_putenv_s("QUARN_TEST_VARIABLE", value), 0);
+        EXPECT_STREQ(std::getenv("QUARN_TEST_VARIABLE"), value);
+        EXPECT_EQ(::GetEnvironmentVariableA("QUARN_TEST_VARIABLE", buffer, sizeof buffer), 5U);
+        EXPECT_STREQ(buffer, value);
+    }
+    EXPECT_EQ(::_putenv_s("QUARN_TEST_VARIABLE", ""), 0) << "removes it";
+    EXPECT_EQ(std::getenv("QUARN_TEST_VARIABLE"), nullptr);
+    ::SetLastError(7777);
+    EXPECT_EQ(::GetEnvironmentVariableA("QUARN_TEST_VARIABLE", buffer, sizeof buffer), 0U);
+    EXPECT_EQ(::GetLastError(), static_cast<DWORD>(ERROR_ENVVAR_NOT_FOUND));
+    EXPECT_EQ(::_putenv_s("QUARN_TEST_VARIABLE", ""), 0) << "there is nothing to remove";
+}
+
+TEST(SeamEnvironment, ValuesNegotiateTheirBuffer)
+{
+    std::string const value(1000, 'v');
+    ASSERT_EQ(::_putenv_s("QUARN_TEST_VARIABLE", value.c_str()), 0);
+    std::string buffer(1002, '#');
+    EXPECT_EQ(::GetEnvironmentVariableA("QUARN_TEST_VARIABLE", nullptr, 0), 1001U);
+    EXPECT_EQ(::GetEnvironmentVariableA("QUARN_TEST_VARIABLE", buffer.data(), 1000), 1001U);
+    EXPECT_EQ(::GetEnvironmentVariableA("QUARN_TEST_VARIABLE", buffer.data(), 1001), 1000U);
+    EXPECT_EQ(buffer.c_str(), value);
+    EXPECT_EQ(buffer[1001], '#');
+    ::_putenv_s("QUARN_TEST_VARIABLE", "");
 }
 
 TEST(SeamClock, SleepTakesItsTimeAndTheCounterShowsIt)

@@ -1,29 +1,15 @@
-// The order of the virtual operations is part of the interface. Where a pointer to a virtual member function
-// holds one more than the operation's offset in the table of virtual functions (the C++ ABI of all compilers
-// in use), it tells the order. A destructor takes two slots: the first two of the streams, the last two of
-// others.
+// The order of the virtual operations is part of the interface.
 #include "quarn/stream/compress.h"
 #include "quarn/stream/istream.h"
 #include "quarn/stream/ostream.h"
 #include "quarn/text/exception.h"
 #include "quarn/units/unit_enumerators.h"
 
-#include <cstddef>
-#include <cstdint>
-#include <cstring>
+#include "tests/slot.h"
 
 #include <gtest/gtest.h>
 
 namespace {
-
-template<typename Operation>
-std::size_t Slot(Operation operation)
-{
-    std::uintptr_t parts[2];
-    static_assert(sizeof operation == sizeof parts);
-    std::memcpy(parts, &operation, sizeof parts);
-    return (parts[0] - 1) / sizeof(void*);
-}
 
 class InputProbe : public Quarn::istream
 {

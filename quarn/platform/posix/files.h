@@ -51,8 +51,8 @@ std::size_t WriteAll(int descriptor, void const* data, std::size_t size);
 // Reads until `size` bytes or the end of the file; negative after an error.
 long ReadAll(int descriptor, void* data, std::size_t size);
 
-// Fills a caller's buffer in the way of the path functions: returns the length without the terminator, or,
-// when `size` is too small, the size needed with it and leaves the buffer.
+// Fills a caller's buffer in the way of the path functions and others: returns the length without the
+// terminator, or, when `size` is too small, the size needed with it and leaves the buffer.
 std::uint32_t PutPath(std::string const& path, std::uint32_t size, char* buffer);
 
 } // namespace Quarn::detail

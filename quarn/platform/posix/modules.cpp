@@ -158,3 +158,27 @@ HMODULE LoadLibraryA(char const* path)
         return module;
     });
 }
+
+FARPROC GetProcAddress(HMODULE module, char const* name)
+{
+    constexpr std::uintptr_t OrdinalsEnd = 0x10000;
+    if (reinterpret_cast<std::uintptr_t>(name) < OrdinalsEnd) {
+        Fail(ERROR_INVALID_ORDINAL);
+        return nullptr;
+    }
+    // What the loader brought in for another module has no list to be searched until it is opened itself.
+    void* const opened =
+        module != nullptr ? ::dlopen(LinkMap(module)->l_name, RTLD_LAZY | RTLD_NOLOAD) : nullptr;
+    if (opened == nullptr) {
+        Fail(ERROR_MOD_NOT_FOUND);
+        return nullptr;
+    }
+    void* const function = ::dlsym(opened, name);
+    ::dlclose(opened);
+    // The modules that this one needs have been searched too.
+    if (function == nullptr || ModuleOf(function) != module) {
+        Fail(ERROR_PROC_NOT_FOUND);
+        return nullptr;
+    }
+    return reinterpret_cast<FARPROC>(function);
+}

@@ -70,6 +70,14 @@ std::uint32_t PutPath(std::string const& path, std::uint32_t size, char* buffer)
 
 using namespace Quarn::detail;
 
+DWORD GetCurrentDirectoryA(DWORD size, char* buffer)
+{
+    return Guarded(DWORD{0}, [&] {
+        std::string const path = CurrentDirectory();
+        return path.empty() ? 0 : PutPath(path, size, buffer);
+    });
+}
+
 DWORD GetFullPathNameA(char const* path, DWORD size, char* buffer, char** filePart)
 {
     if (path == nullptr || *path == '\0') {

@@ -1,14 +1,36 @@
-// The process and its clock on POSIX.
-#include "quarn/platform/win32_api.h"
+// The process, its environment and its clock on POSIX.
+#include "quarn/platform/posix/errors.h"
+#include "quarn/platform/posix/files.h"
 
 #include <cerrno>
+#include <cstdlib>
 #include <ctime>
 
 #include <unistd.h>
 
+using namespace Quarn::detail;
+
 DWORD GetCurrentProcessId()
 {
     return static_cast<DWORD>(::getpid());
+}
+
+DWORD GetEnvironmentVariableA(char const* name, char* buffer, DWORD size)
+{
+    return Guarded(DWORD{0}, [&]() -> DWORD {
+        char const* const value = name != nullptr ? std::getenv(name) : nullptr;
+        return value != nullptr ? PutPath(value, size, buffer)
+                                : static_cast<DWORD>(Fail(ERROR_ENVVAR_NOT_FOUND));
+    });
+}
+
+int _putenv_s(char const* name, char const* value)
+{
+    if (name == nullptr || value == nullptr) {
+        return EINVAL;
+    }
+    int const result = *value != '\0' ? ::setenv(name, value, 1) : ::unsetenv(name);
+    return result == 0 ? 0 : errno;
 }
 
 void Sleep(DWORD milliseconds)

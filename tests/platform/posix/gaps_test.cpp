@@ -278,7 +278,7 @@ TEST(PosixDescriptor, AreClosedInAnotherProgram)
             EXPECT_NE(::fcntl(std::stoi(entry.path().filename()), F_GETFD) & FD_CLOEXEC, 0) << target;
         }
     }
-    EXPECT_EQ(open, 3) << "the file, the mutex and its lock";
+    EXPECT_EQ(open, 4) << "the file, the mutex and its lock, and the mutex that the library keeps";
     ::ReleaseMutex(mutex);
     ::CloseHandle(mutex);
     ::CloseHandle(file);
