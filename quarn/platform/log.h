@@ -23,9 +23,10 @@ namespace Win32Quarn::Log {
 //   16  write a line feed after the message
 //
 // At the start they are 1 and 16: each message replaces the one before, deliberately, and the file holds the
-// latest alone. Without the bits 1 and 8 the file is opened for appending and, until Close, a failure or a
-// message with bit 1, stays open; messages then pass through a buffer, so the file may lack the latest of
-// them until it is closed or the process ends, and a full disk may show only later.
+// latest alone. Without the bits 1 and 8 the file is opened for appending. Without bit 1 it stays open until
+// Close, a failure or a message with that bit. Messages then pass through a buffer: the latest of them may
+// not be in the file before it is closed or the process ends, are lost with a process that is killed, and a
+// full disk may show only later.
 //
 // Result codes:
 //
