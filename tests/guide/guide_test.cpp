@@ -1,5 +1,6 @@
 // What docs/guide.md shows does what the guide says. Its code is that of examples/guide/: a check of its own
 // compares them.
+#include "examples/guide/companion.h"
 #include "examples/guide/records.h"
 #include "examples/guide/services.h"
 #include "examples/guide/settings.h"
@@ -136,6 +137,12 @@ TEST_F(Guide, LogsTextsAndMessages)
     EXPECT_EQ(ContentOf(m_folder / "not yet/log").substr(11), "written\n");
 }
 
+TEST_F(Guide, LoadsACompanionLibrary)
+{
+    EXPECT_EQ(guide::FlowAt(2), 0) << "it is not beside the tests";
+    EXPECT_EQ(ChildProcess({"guide", "flow"}).Wait(), 0);
+}
+
 TEST_F(Guide, TranslatesUnits)
 {
     EXPECT_EQ(guide::Describe({Distance::Mile, 2.5F}), "2.5 miles");
@@ -186,6 +193,10 @@ int RunChildCommand(int count, char** arguments)
     if (what == "DEU") {
         QuarnUtil::InitLanguage("DEU");
         return guide::Describe({Distance::Mile, 2}) == "2 Meilen" ? 0 : 1;
+    }
+    if (what == "flow") {
+        std::filesystem::current_path(QUARN_PUMP_CURVES);
+        return guide::FlowAt(2) == 72 ? 0 : 1;
     }
     for (int i = 0; i < 50; ++i) {
         guide::NextNumber(arguments[2]);
