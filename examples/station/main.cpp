@@ -1,5 +1,6 @@
-// A small station: opens its log and its settings, takes readings of the machine, appends them to its
-// journal as a record, reads the journal back, notes the run in its settings.
+// A small station: opens its log and its settings, takes readings of the machine, asks its companion module
+// about its pipe, appends all that to its journal as a record, reads the journal back, notes the run in its
+// settings.
 //
 //   station                              one run
 //   station --commission NAME PERCENT    names the station and sets its limit of free disk space, for the

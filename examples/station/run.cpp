@@ -5,6 +5,7 @@
 #include "quarn/stream/memory_stream.h"
 #include "quarn/stream/stream_exception.h"
 
+#include "companion.h"
 #include "journal.h"
 #include "log.h"
 #include "readings.h"
@@ -13,6 +14,7 @@
 
 #include <cstdio>
 #include <exception>
+#include <optional>
 #include <string>
 
 namespace station {
@@ -20,6 +22,7 @@ namespace station {
 namespace {
 
 constexpr double gigabyte = 1e9;
+constexpr double bar = 1e5; // in pascals
 
 // Reads a record of the given kind and version, which this program does not know, and says what the library
 // says.
@@ -49,6 +52,19 @@ void ShowJournal(std::string const& path)
                 static_cast<unsigned long long>(summary.goodBytes), TimeText(first).c_str());
 }
 
+// What the companion module knows of the record's pipe; that it is missing is a remark.
+void ShowPressure(Quarn::PropertyKey const& settings, Record& record)
+{
+    Companion const companion(settings);
+    std::optional<double> const loss = companion.PressureLoss(record.pipe);
+    if (loss) {
+        std::printf("pressure   %.2f bar lost, says %s\n", *loss / bar, companion.GetName().c_str());
+    } else {
+        record.remarks.push_back("the companion " + companion.GetName() +
+                                 (companion.IsLoaded() ? " has no PressureLoss" : " could not be loaded"));
+    }
+}
+
 // One run over settings that are loaded.
 void Run(Quarn::Win32::QuarnProperties& settings)
 {
@@ -76,6 +92,7 @@ void Run(Quarn::Win32::QuarnProperties& settings)
                 record.upSeconds / 3600, record.upSeconds / 60 % 60);
     record.pipe = ReadPipe(settings);
     std::printf("pipe       %s\n", Describe(record.pipe).c_str());
+    ShowPressure(settings, record);
     for (Quarn::string const& remark : record.remarks) {
         std::printf("remark     %s\n", remark.c_str());
         Log(logEvents, remark);
