@@ -1,5 +1,6 @@
-// Dates of 1950 to 2099: to Julian days and back, durations added, times as text. Every peer starts from the
-// fields of a date and ends with them; one operation is one date.
+// Times of 1950 to 2099: to Julian days, parts of a day included, and back, durations added, times as text.
+// Every peer starts from the fields of a time in its own form, or from the number of days, and ends with the
+// same result; one operation is one time.
 #include "quarn/time/time.h"
 #include "quarn/time/time_value.h"
 
@@ -36,7 +37,7 @@ constexpr std::int64_t added = 37 * 86400 + 3661;
 struct Dates
 {
     std::array<std::int64_t, count> seconds;
-    std::array<std::int64_t, count> days;
+    std::array<double, count> julian; // days
     std::array<Fields, count> fields;
     std::array<Quarn::Time, count> quarn;
     std::array<std::tm, count> calendars;
@@ -101,7 +102,9 @@ Dates const& TheDates()
             made->seconds[i] = seconds(random);
             Fields const fields = FromSeconds(made->seconds[i]);
             made->fields[i] = fields;
-            made->days[i] = ToDays(fields);
+            made->julian[i] =
+                static_cast<double>(ToDays(fields) + epoch) - 0.5 +
+                static_cast<double>(fields.hour * 3600 + fields.minute * 60 + fields.second) / 86400;
             made->quarn[i].Set(
                 static_cast<std::uint16_t>(fields.year), static_cast<std::uint8_t>(fields.month),
                 static_cast<std::uint8_t>(fields.day), static_cast<std::uint8_t>(fields.hour),
@@ -134,30 +137,35 @@ void Measure(benchmark::State& state, Operation operation, Expected expected)
     }
 }
 
-// ---- date to Julian day
+// ---- date and time to Julian day
 
-std::int64_t DayNumber(std::size_t i)
+double SecondOfDay(Fields const& fields)
 {
-    return TheDates().days[i] + epoch;
+    return fields.hour * 3600 + fields.minute * 60 + fields.second;
+}
+
+double JulianDay(std::size_t i)
+{
+    return TheDates().julian[i];
 }
 
 void ToJulianQuarn(benchmark::State& state)
 {
     Dates const& dates = TheDates();
     Measure(
-        state, [&](std::size_t i) { return dates.quarn[i].GetJulian(); },
-        [&](std::size_t i) {
-            Fields const& fields = dates.fields[i];
-            double const seconds = fields.hour * 3600 + fields.minute * 60 + fields.second;
-            return static_cast<double>(DayNumber(i)) - 0.5 + seconds / 86400;
-        });
+        state, [&](std::size_t i) { return dates.quarn[i].GetJulian(); }, JulianDay);
 }
 
 void ToJulianChrono(benchmark::State& state)
 {
     Dates const& dates = TheDates();
     Measure(
-        state, [&](std::size_t i) { return ToDays(dates.fields[i]) + epoch; }, DayNumber);
+        state,
+        [&](std::size_t i) {
+            Fields const& fields = dates.fields[i];
+            return static_cast<double>(ToDays(fields) + epoch) - 0.5 + SecondOfDay(fields) / 86400;
+        },
+        JulianDay);
 }
 
 void ToJulianTimegm(benchmark::State& state)
@@ -167,9 +175,10 @@ void ToJulianTimegm(benchmark::State& state)
         state,
         [&](std::size_t i) {
             std::tm calendar = dates.calendars[i];
-            return ::timegm(&calendar);
+            std::int64_t const seconds = ::timegm(&calendar) + epoch * 86400;
+            return static_cast<double>(seconds / 86400) - 0.5 + static_cast<double>(seconds % 86400) / 86400;
         },
-        [&](std::size_t i) { return dates.seconds[i]; });
+        JulianDay);
 }
 
 #ifdef QUARN_HAVE_ABSL
@@ -178,18 +187,29 @@ void ToJulianAbsl(benchmark::State& state)
     Dates const& dates = TheDates();
     Measure(
         state,
-        [&](std::size_t i) { return absl::CivilDay(dates.absl[i]) - absl::CivilDay(1970, 1, 1) + epoch; },
-        DayNumber);
+        [&](std::size_t i) {
+            absl::CivilSecond const& time = dates.absl[i];
+            std::int64_t const day = absl::CivilDay(time) - absl::CivilDay(1970, 1, 1) + epoch;
+            return static_cast<double>(day) - 0.5 +
+                   static_cast<double>(time.hour() * 3600 + time.minute() * 60 + time.second()) / 86400;
+        },
+        JulianDay);
 }
 #endif
 
-// ---- Julian day to date
+// ---- Julian day to date and time
 
-Fields Midnight(std::size_t i)
+Fields Original(std::size_t i)
 {
-    Fields fields = TheDates().fields[i];
-    fields.hour = fields.minute = fields.second = 0;
-    return fields;
+    return TheDates().fields[i];
+}
+
+// The seconds since 1970 of a Julian day, to the nearest second.
+std::int64_t ToSeconds(double julian)
+{
+    double const days = julian + 0.5;
+    auto const day = static_cast<std::int64_t>(days);
+    return (day - epoch) * 86400 + static_cast<std::int64_t>((days - static_cast<double>(day)) * 86400 + 0.5);
 }
 
 void FromJulianQuarn(benchmark::State& state)
@@ -199,16 +219,16 @@ void FromJulianQuarn(benchmark::State& state)
         state,
         [&](std::size_t i) {
             Quarn::Time time;
-            return Of(time.SetJulian(static_cast<double>(dates.days[i] + epoch) - 0.5));
+            return Of(time.SetJulian(dates.julian[i]));
         },
-        Midnight);
+        Original);
 }
 
 void FromJulianChrono(benchmark::State& state)
 {
     Dates const& dates = TheDates();
     Measure(
-        state, [&](std::size_t i) { return FromSeconds(dates.days[i] * 86400); }, Midnight);
+        state, [&](std::size_t i) { return FromSeconds(ToSeconds(dates.julian[i])); }, Original);
 }
 
 void FromJulianGmtime(benchmark::State& state)
@@ -217,11 +237,11 @@ void FromJulianGmtime(benchmark::State& state)
     Measure(
         state,
         [&](std::size_t i) {
-            std::time_t const seconds = dates.days[i] * 86400;
+            std::time_t const seconds = ToSeconds(dates.julian[i]);
             std::tm calendar;
             return Of(*::gmtime_r(&seconds, &calendar));
         },
-        Midnight);
+        Original);
 }
 
 #ifdef QUARN_HAVE_ABSL
@@ -229,9 +249,8 @@ void FromJulianAbsl(benchmark::State& state)
 {
     Dates const& dates = TheDates();
     Measure(
-        state,
-        [&](std::size_t i) { return Of(absl::CivilSecond(absl::CivilDay(1970, 1, 1) + dates.days[i])); },
-        Midnight);
+        state, [&](std::size_t i) { return Of(absl::CivilSecond(1970, 1, 1) + ToSeconds(dates.julian[i])); },
+        Original);
 }
 #endif
 

@@ -43,6 +43,7 @@
 #include "quarn/text/narrowing.h"
 #include "quarn/text/string.h"
 #include "quarn/text/string_list.h"
+#include "quarn/time/civil_day.h"
 #include "quarn/time/time.h"
 #include "quarn/time/time_span.h"
 #include "quarn/time/time_value.h"

@@ -1,7 +1,5 @@
 #include "quarn/time/time.h"
 
-#include "quarn/time/civil_day.h"
-
 #include <cmath>
 
 namespace Quarn {
@@ -15,7 +13,7 @@ int SecondOfDay(Time const& time)
     return time.GetHour() * 3600 + time.GetMinute() * 60 + time.GetSecond();
 }
 
-std::int64_t DayOf(Time const& time)
+int DayOf(Time const& time)
 {
     return detail::DayNumber(time.GetYear(), time.GetMonth(), time.GetDate());
 }
@@ -64,15 +62,9 @@ std::uint8_t Time::GetHour12() const
     return static_cast<std::uint8_t>(hour <= 12 ? hour : hour - 12);
 }
 
-double Time::GetJulian() const
-{
-    return static_cast<double>(DayOf(*this)) - 0.5 + static_cast<double>(SecondOfDay(*this)) / secondsPerDay;
-}
-
-Time& Time::SetJulian(double julian)
+Time& Time::SetFarJulian(double days)
 {
     constexpr double limit = 9007199254740992.0; // 2^53
-    double const days = julian + 0.5;
     if (!(std::fabs(days) < limit)) {
         return *this;
     }
@@ -80,16 +72,7 @@ Time& Time::SetJulian(double julian)
     if (static_cast<double>(day) > days) {
         --day;
     }
-    double const fraction = days - static_cast<double>(day);
-    detail::CivilDay const civil = detail::CivilDate(day);
-    double const rounded = fraction * secondsPerDay + 0.5;
-    auto const second = static_cast<int>(rounded);
-    // A fraction that differs from 1 by less than the sum can show belongs to the next date.
-    auto const date = static_cast<int>(civil.date + fraction);
-    Set(static_cast<std::uint16_t>(civil.year), static_cast<std::uint8_t>(civil.month),
-        static_cast<std::uint8_t>(date), static_cast<std::uint8_t>(second / 3600),
-        static_cast<std::uint8_t>(second / 60 % 60), static_cast<std::uint8_t>(second % 60), GetMilliSecond(),
-        GetMicroSecond());
+    SetDay(detail::CivilDate(day), days - static_cast<double>(day));
     return *this;
 }
 

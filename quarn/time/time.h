@@ -12,6 +12,7 @@
 
 #include "quarn/export.h"
 #include "quarn/text/string.h"
+#include "quarn/time/civil_day.h"
 
 #include <concepts>
 #include <cstdint>
@@ -95,24 +96,39 @@ public:
     void Set(std::uint16_t year, std::uint8_t month, std::uint8_t date, std::uint8_t hour,
              std::uint8_t minute, std::uint8_t second, std::uint16_t millisecond, std::uint16_t microsecond)
     {
-        SetYear(year);
-        SetMonth(month);
-        SetDate(date);
-        SetHour(hour);
-        SetMinute(minute);
-        SetSecond(second);
-        SetMilliSecond(millisecond);
-        SetMicroSecond(microsecond);
+        // In one step: bits that spill go up, into fields that come before.
+        m_data.High = (m_data.High & ReservedMask) | std::uint32_t{year} << YearShift |
+                      std::uint32_t{month} << MonthShift | std::uint32_t{date} << DateShift |
+                      std::uint32_t{hour} << HourShift;
+        m_data.Low = std::uint32_t{minute} << MinuteShift | std::uint32_t{second} << SecondShift |
+                     std::uint32_t{millisecond} << MilliShift | std::uint32_t{microsecond} << MicroShift;
     }
 
     // The Julian day of date, hour, minute and second: days since noon of -4712-01-01, so that midnight is a
     // half. 2000-01-01 00:00 is 2451544.5.
-    double GetJulian() const;
+    double GetJulian() const
+    {
+        // As good as the quotient: no number of seconds comes near enough to a place where the sum with a day
+        // of 1721025 and more is rounded up or down for the last bits of the part to count.
+        constexpr double daysPerSecond = 1.0 / 86400;
+        int const seconds = GetHour() * 3600 + GetMinute() * 60 + GetSecond();
+        return detail::DayNumber(GetYear(), GetMonth(), GetDate()) - 0.5 + seconds * daysPerSecond;
+    }
     // The reverse, to the nearest second. Reserved bits, millisecond and microsecond stay. The time of day
     // does not carry into the date: less than half a second before midnight is hour 24. Of a year outside 0
     // to 65535 the low 16 bits are stored. A number that is none or has no fraction left (2^53 and more)
     // changes nothing.
-    Time& SetJulian(double julian);
+    Time& SetJulian(double julian)
+    {
+        constexpr double limit = 100'000'000;
+        double const days = julian + 0.5;
+        if (!(days >= 0 && days < limit)) {
+            return SetFarJulian(days);
+        }
+        auto const day = static_cast<std::int32_t>(days);
+        SetDay(detail::CivilDateIn(static_cast<std::uint32_t>(day)), days - day);
+        return *this;
+    }
 
     // Fills the record and returns it: year, month, date, hour, minute, second, the day of the week, and -1
     // for tm_isdst. tm_yday stays as it is, and the members that a system adds. Null does nothing.
@@ -205,6 +221,7 @@ private:
     static constexpr std::uint32_t MonthMask = 0x0000F000;
     static constexpr std::uint32_t DateMask = 0x00000F80;
     static constexpr std::uint32_t HourMask = 0x0000007C;
+    static constexpr std::uint32_t ReservedMask = 0x00000003;
     static constexpr unsigned YearShift = 16;
     static constexpr unsigned MonthShift = 12;
     static constexpr unsigned DateShift = 7;
@@ -231,6 +248,26 @@ private:
     void SetLow(std::uint32_t value, std::uint32_t mask, unsigned shift)
     {
         m_data.Low = (m_data.Low & ~mask) | value << shift;
+    }
+
+    // SetJulian of a day before 0, or one that takes more than 32 bits to compute.
+    Time& SetFarJulian(double days);
+    // A date and the part of the day that has passed.
+    void SetDay(detail::CivilDay const& civil, double part)
+    {
+        constexpr int secondsPerDay = 86400;
+        auto const rounded = static_cast<int>(part * secondsPerDay + 0.5);
+        int date = civil.date;
+        if (rounded == secondsPerDay) {
+            // A part that differs from 1 by less than the sum can show belongs to the next date.
+            date = static_cast<int>(date + part);
+        }
+        auto const second = static_cast<unsigned>(rounded);
+        unsigned const minute = second / 60;
+        Set(static_cast<std::uint16_t>(civil.year), static_cast<std::uint8_t>(civil.month),
+            static_cast<std::uint8_t>(date), static_cast<std::uint8_t>(minute / 60),
+            static_cast<std::uint8_t>(minute % 60), static_cast<std::uint8_t>(second % 60), GetMilliSecond(),
+            GetMicroSecond());
     }
 
     TimeData m_data = {4224, 0};

@@ -8,20 +8,35 @@ namespace Quarn {
 
 namespace {
 
-constexpr std::int64_t minutesPerDay = 1440;
+constexpr std::uint32_t minutesPerDay = 1440;
 // The number of the day 0000-01-01, at whose beginning a duration of 0 lies.
-constexpr std::int64_t firstDay = 1721058;
+constexpr int firstDay = 1721058;
 
 // A number of seconds below a minute as a fraction.
-std::uint32_t ToFraction(std::int64_t seconds, std::int64_t milliseconds, std::int64_t microseconds)
+std::uint32_t ToRoundedFraction(std::int64_t seconds, std::int64_t milliseconds, std::int64_t microseconds)
 {
-    if (milliseconds == 0 && microseconds == 0 && seconds >= 0) {
-        return static_cast<std::uint32_t>(seconds) * TimeValue::SecondValue;
-    }
     double const value = static_cast<double>(milliseconds) / 1000.0 + static_cast<double>(seconds) +
                          static_cast<double>(microseconds) / 1000000.0;
     double const rounded = value * TimeValue::SecondValue + 0.5;
     return static_cast<std::uint32_t>(static_cast<std::int64_t>(rounded));
+}
+
+inline std::uint32_t ToFraction(std::int64_t seconds, std::int64_t milliseconds, std::int64_t microseconds)
+{
+    if (milliseconds == 0 && microseconds == 0 && seconds >= 0) {
+        return static_cast<std::uint32_t>(seconds) * TimeValue::SecondValue;
+    }
+    return ToRoundedFraction(seconds, milliseconds, microseconds);
+}
+
+// The distance of a time from year 0. The minutes are those of (GetJulian() - JulianOffset) * JulianDivisor,
+// in whole numbers: the Julian day's own rounding is far below the second that could make a difference.
+inline TimeValue Distance(Time const& time)
+{
+    auto const days = static_cast<std::uint32_t>(
+        detail::DayNumber(time.GetYear(), time.GetMonth(), time.GetDate()) - firstDay);
+    return {days * minutesPerDay + time.GetHour() * 60U + time.GetMinute() + time.GetSecond() / 60U,
+            ToFraction(time.GetSecond(), time.GetMilliSecond(), time.GetMicroSecond())};
 }
 
 struct Second
@@ -31,21 +46,43 @@ struct Second
     std::uint16_t microseconds;
 };
 
-Second FromFraction(std::uint32_t fraction)
+// `rest`: units of the fraction, less than a second.
+void SetParts(Second& second, std::uint32_t rest)
 {
     constexpr double most = 999.0;
-    std::uint32_t const rest = fraction % TimeValue::SecondValue;
-    Second second{};
-    second.seconds = fraction / TimeValue::SecondValue;
-    if (rest == 0) {
-        return second;
-    }
     double const milliseconds = std::min(rest / TimeValue::MilliSecondValue, most);
     second.milliseconds = static_cast<std::uint16_t>(milliseconds);
     auto const units = static_cast<std::uint32_t>(second.milliseconds * TimeValue::MilliSecondValue);
     second.microseconds =
         static_cast<std::uint16_t>(std::min((rest - units) / TimeValue::MicroSecondValue, most));
+}
+
+inline Second FromFraction(std::uint32_t fraction)
+{
+    Second second{fraction / TimeValue::SecondValue, 0, 0};
+    if (std::uint32_t const rest = fraction % TimeValue::SecondValue; rest != 0) {
+        SetParts(second, rest);
+    }
     return second;
+}
+
+// The time so long after year 0: the same as SetJulian(minutes / JulianDivisor + JulianOffset), which rounds
+// to the nearest second.
+inline Time TimeAfter(TimeValue const& distance)
+{
+    constexpr std::uint32_t lastSecond = 59;
+    std::uint32_t const minutes = distance.GetMinutes();
+    detail::CivilDay const civil = detail::CivilDateIn(minutes / minutesPerDay + firstDay);
+    std::uint32_t const minute = minutes % minutesPerDay;
+    Second const second = FromFraction(distance.GetFraction());
+    return {static_cast<std::uint16_t>(civil.year),
+            static_cast<std::uint8_t>(civil.month),
+            static_cast<std::uint8_t>(civil.date),
+            static_cast<std::uint8_t>(minute / 60),
+            static_cast<std::uint8_t>(minute % 60),
+            static_cast<std::uint8_t>(std::min(second.seconds, lastSecond)),
+            second.milliseconds,
+            second.microseconds};
 }
 
 } // namespace
@@ -75,15 +112,9 @@ TimeValue& TimeValue::Set(Parse const& parts)
     return *this;
 }
 
-// The minutes are those of (GetJulian() - JulianOffset) * JulianDivisor, in whole numbers: the Julian day's
-// own rounding is far below the second that could make a difference.
 TimeValue& TimeValue::Set(Time const& time)
 {
-    std::int64_t const days = detail::DayNumber(time.GetYear(), time.GetMonth(), time.GetDate()) - firstDay;
-    m_minutes = static_cast<std::uint32_t>(days * minutesPerDay + time.GetHour() * std::int64_t{60} +
-                                           time.GetMinute() + time.GetSecond() / 60);
-    m_fraction = ToFraction(time.GetSecond(), time.GetMilliSecond(), time.GetMicroSecond());
-    return *this;
+    return *this = Distance(time);
 }
 
 TimeValue& TimeValue::Set(double days)
@@ -105,21 +136,9 @@ void TimeValue::ParseTime(Parse* parts) const
     parts->microseconds = second.microseconds;
 }
 
-// The same as SetJulian(minutes / JulianDivisor + JulianOffset), which rounds to the nearest second.
 Time TimeValue::GetQuarnTime() const
 {
-    constexpr std::uint32_t lastSecond = 59;
-    detail::CivilDay const civil = detail::CivilDate(m_minutes / minutesPerDay + firstDay);
-    std::uint32_t const minute = m_minutes % static_cast<std::uint32_t>(minutesPerDay);
-    Second const second = FromFraction(m_fraction);
-    return {static_cast<std::uint16_t>(civil.year),
-            static_cast<std::uint8_t>(civil.month),
-            static_cast<std::uint8_t>(civil.date),
-            static_cast<std::uint8_t>(minute / 60),
-            static_cast<std::uint8_t>(minute % 60),
-            static_cast<std::uint8_t>(std::min(second.seconds, lastSecond)),
-            second.milliseconds,
-            second.microseconds};
+    return TimeAfter(*this);
 }
 
 double TimeValue::GetJulianValue() const
@@ -172,7 +191,7 @@ TimeValue TimeValue::operator*(unsigned int n) const
 
 Time Time::operator+(TimeValue const& duration) const
 {
-    return (TimeValue(*this) + duration).GetQuarnTime();
+    return TimeAfter(Distance(*this) + duration);
 }
 
 Time& Time::operator+=(TimeValue const& duration)
@@ -182,7 +201,7 @@ Time& Time::operator+=(TimeValue const& duration)
 
 Time Time::operator-(TimeValue const& duration) const
 {
-    return (TimeValue(*this) - duration).GetQuarnTime();
+    return TimeAfter(Distance(*this) - duration);
 }
 
 Time& Time::operator-=(TimeValue const& duration)
@@ -192,7 +211,7 @@ Time& Time::operator-=(TimeValue const& duration)
 
 TimeValue Time::Subtract(Time const& other) const
 {
-    return TimeValue(*this) - TimeValue(other);
+    return Distance(*this) - Distance(other);
 }
 
 } // namespace Quarn
