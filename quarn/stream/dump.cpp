@@ -4,50 +4,63 @@
 #include "quarn/text/narrowing.h"
 
 #include <algorithm>
+#include <charconv>
+#include <concepts>
+#include <limits>
+#include <string>
+#include <string_view>
 
 namespace Quarn {
 
 namespace {
 
-string SignedLine(string const& label, int value)
+// The label, which counts up to a zero byte, then the rest; not by Format, which takes longer and whose texts
+// end at 2 GiB.
+std::string Line(string const& label, std::string_view before, std::string_view value, std::string_view after)
 {
-    string line;
-    line.Format("%s=%d\n", label.c_str(), value);
+    std::string_view const name = label.c_str(); // NOLINT(readability-redundant-string-cstr)
+    std::string line;
+    line.reserve(name.size() + before.size() + value.size() + after.size());
+    line.append(name).append(before).append(value).append(after);
     return line;
 }
 
-string UnsignedLine(string const& label, unsigned int value)
+std::string ValueLine(string const& label, std::string_view value)
 {
-    string line;
-    line.Format("%s=%u\n", label.c_str(), value);
-    return line;
+    return Line(label, "=", value, "\n");
 }
 
-string RealLine(string const& label, double value)
+template<std::integral Int>
+std::string NumberLine(string const& label, Int value)
 {
-    string line;
-    line.Format("%s=%f\n", label.c_str(), value);
-    return line;
+    constexpr std::size_t most = std::numeric_limits<Int>::digits10 + 2;
+    char digits[most];
+    char const* const end = std::to_chars(digits, digits + most, value).ptr;
+    return ValueLine(label, {digits, static_cast<std::size_t>(end - digits)});
 }
 
-// Not by Format, whose texts end at 2 GiB.
-string TextLine(string const& label, std::string_view text)
+std::string RealLine(string const& label, double value)
+{
+    string digits;
+    digits.Format("%f", value);
+    return ValueLine(label, digits);
+}
+
+std::string TextLine(string const& label, std::string_view text)
 {
     constexpr char unprintable = '\x98';
-    string line = label.c_str(); // NOLINT(readability-redundant-string-cstr): up to a zero byte
-    line += "=\"";
-    std::size_t const start = line.size();
-    line.append(text.begin(), text.end());
-    auto const first = line.begin() + static_cast<std::ptrdiff_t>(start);
-    std::replace_if(
-        first, line.end(), [](char c) { return static_cast<signed char>(c) < 32; }, unprintable);
-    line += "\"\n";
+    constexpr std::string_view after = "\"\n";
+    std::string line = Line(label, "=\"", text, after);
+    auto const last = line.end() - static_cast<std::ptrdiff_t>(after.size());
+    auto const first = last - static_cast<std::ptrdiff_t>(text.size());
+    std::transform(first, last, first,
+                   [](char c) { return static_cast<signed char>(c) < 32 ? unprintable : c; });
     return line;
 }
 
 } // namespace
 
-ostream& ostream::DumpLine(string const& line)
+ostream& ostream::DumpLine(std::string_view line)
 {
     constexpr std::int32_t step = 128;
     static char const spaces[] = "                                                                "
@@ -63,42 +76,42 @@ ostream& ostream::DumpLine(string const& line)
 
 ostream& ostream::dump(string const& label, char value)
 {
-    return m_dumpMode ? DumpLine(SignedLine(label, value)) : *this << value;
+    return m_dumpMode ? DumpLine(NumberLine(label, int{value})) : *this << value;
 }
 
 ostream& ostream::dump(string const& label, unsigned char value)
 {
-    return m_dumpMode ? DumpLine(UnsignedLine(label, value)) : *this << value;
+    return m_dumpMode ? DumpLine(NumberLine(label, unsigned{value})) : *this << value;
 }
 
 ostream& ostream::dump(string const& label, short value)
 {
-    return m_dumpMode ? DumpLine(SignedLine(label, value)) : *this << value;
+    return m_dumpMode ? DumpLine(NumberLine(label, int{value})) : *this << value;
 }
 
 ostream& ostream::dump(string const& label, unsigned short value)
 {
-    return m_dumpMode ? DumpLine(UnsignedLine(label, value)) : *this << value;
+    return m_dumpMode ? DumpLine(NumberLine(label, unsigned{value})) : *this << value;
 }
 
 ostream& ostream::dump(string const& label, int value)
 {
-    return m_dumpMode ? DumpLine(SignedLine(label, value)) : *this << value;
+    return m_dumpMode ? DumpLine(NumberLine(label, int{value})) : *this << value;
 }
 
 ostream& ostream::dump(string const& label, unsigned int value)
 {
-    return m_dumpMode ? DumpLine(UnsignedLine(label, value)) : *this << value;
+    return m_dumpMode ? DumpLine(NumberLine(label, unsigned{value})) : *this << value;
 }
 
 ostream& ostream::dump(string const& label, long value)
 {
-    return m_dumpMode ? DumpLine(SignedLine(label, detail::NarrowLong(value))) : *this << value;
+    return m_dumpMode ? DumpLine(NumberLine(label, detail::NarrowLong(value))) : *this << value;
 }
 
 ostream& ostream::dump(string const& label, unsigned long value)
 {
-    return m_dumpMode ? DumpLine(UnsignedLine(label, detail::NarrowLong(value))) : *this << value;
+    return m_dumpMode ? DumpLine(NumberLine(label, detail::NarrowLong(value))) : *this << value;
 }
 
 ostream& ostream::dump(string const& label, float value)
@@ -118,12 +131,7 @@ ostream& ostream::dump(string const& label, long double value)
 
 ostream& ostream::dump(string const& label, bool value)
 {
-    if (!m_dumpMode) {
-        return *this << value;
-    }
-    string line;
-    line.Format("%s=%s\n", label.c_str(), value ? "true" : "false");
-    return DumpLine(line);
+    return m_dumpMode ? DumpLine(ValueLine(label, value ? "true" : "false")) : *this << value;
 }
 
 ostream& ostream::dump(string const& label, char const* text)

@@ -168,7 +168,7 @@ private:
         return output(bytes, sizeof bytes);
     }
     ostream& PutString(std::string_view text);
-    ostream& DumpLine(string const& line);
+    ostream& DumpLine(std::string_view line);
 
     bool m_dumpMode;
     std::int32_t m_indent = 0; // the depth: spaces before a dumped line

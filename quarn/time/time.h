@@ -255,14 +255,14 @@ private:
     // A date and the part of the day that has passed.
     void SetDay(detail::CivilDay const& civil, double part)
     {
-        constexpr int secondsPerDay = 86400;
-        auto const rounded = static_cast<int>(part * secondsPerDay + 0.5);
+        constexpr unsigned secondsPerDay = 86400;
+        double const rounded = part * secondsPerDay + 0.5;
+        auto const second = static_cast<unsigned>(static_cast<int>(rounded));
         int date = civil.date;
-        if (rounded == secondsPerDay) {
+        if (second == secondsPerDay) {
             // A part that differs from 1 by less than the sum can show belongs to the next date.
             date = static_cast<int>(date + part);
         }
-        auto const second = static_cast<unsigned>(rounded);
         unsigned const minute = second / 60;
         Set(static_cast<std::uint16_t>(civil.year), static_cast<std::uint8_t>(civil.month),
             static_cast<std::uint8_t>(date), static_cast<std::uint8_t>(minute / 60),
