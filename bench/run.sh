@@ -30,4 +30,4 @@ for program in "${programs[@]}"; do
         --benchmark_out="$program.json" --benchmark_out_format=json >"$program.log" 2>&1) ||
         { tail -n 20 "$results/$program.log" >&2; exit 1; }
 done
-bench/report.py "$results"
+python3 bench/report.py "$results" >docs/performance.md
