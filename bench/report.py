@@ -17,7 +17,8 @@ Measured with Google Benchmark, every path beside its peers in one program and o
 The figures are medians of {repetitions} repetitions on {machine};
 the spread is the coefficient of variation. A ratio is the other's time over ours: above 1, the library is faster.
 Rows named *limit* are hand-written code that does only the unavoidable work. `bench/run.sh` measures everything again
-and writes this page; the peers need libdeflate-dev, libabsl-dev and qtbase5-dev, and are left out without them.
+and writes this page; the peers need libdeflate-dev, libabsl-dev, libfmt-dev and qtbase5-dev, and are left out
+without them.
 
 Versions: {versions}.
 """
@@ -42,7 +43,7 @@ def machine():
 
 def versions():
     packages = ["g++", "zlib1g-dev", "libdeflate-dev", "libxerces-c-dev", "libbenchmark-dev", "libsqlite3-dev",
-                "qtbase5-dev", "libabsl-dev"]
+                "qtbase5-dev", "libabsl-dev", "libfmt-dev"]
     found = []
     for package in packages:
         version = os.popen(f"dpkg-query -W -f='${{Version}}' {package} 2>/dev/null").read().strip()

@@ -2,6 +2,7 @@
 
 #include "quarn/platform/formatter.h"
 #include "quarn/text/ascii.h"
+#include "quarn/text/format_common.h"
 #include "quarn/text/format_estimate.h"
 
 #include <algorithm>
@@ -282,9 +283,12 @@ int string::FormatVar(char const* format, std::va_list args)
 {
     char usual[4096];
     std::va_list attempt;
-    va_copy(attempt, args);
-    int result = detail::FormatBounded(usual, sizeof usual, format, attempt);
-    va_end(attempt);
+    int result = detail::FormatCommon(usual, sizeof usual, format, args);
+    if (result < 0) {
+        va_copy(attempt, args);
+        result = detail::FormatBounded(usual, sizeof usual, format, attempt);
+        va_end(attempt);
+    }
     auto const length = static_cast<std::size_t>(result);
     if (result >= 0 && length < sizeof usual) {
         assign(usual);

@@ -1,7 +1,10 @@
 // string::Format against the C library's own formatter over generated formats and arguments.
 #include "generated_format.h"
 
+#include <bit>
+#include <cfenv>
 #include <climits>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <random>
@@ -91,6 +94,30 @@ TEST(FormatGenerated, FloatingNumbers)
     CompareAll<double>("", "eEfFgGaA", FloatingValues<double>(), {"", "-", "+", " ", "#", "0", "-+ #0"});
     CompareAll<double>("l", "fge", FloatingValues<double>(), {"", "-", "#0"});
     CompareAll<long double>("L", "eEfFgGaA", {1.5L, -0.1L, 1e4000L, 1e-4000L}, {"", "-", "#0"});
+}
+
+TEST(FormatGenerated, RealsOfAnyBits)
+{
+    std::mt19937_64 engine(20261121);
+    for (int i = 0; i < 10'000; ++i) {
+        auto const value = std::bit_cast<double>(engine());
+        double const nearer =
+            std::ldexp(static_cast<double>(engine() >> 11), static_cast<int>(engine() % 80) - 73);
+        for (char const* const format : {"%f", "%.3f", "%-30.0f|", "%020.9f", "%lf", "%.17f"}) {
+            ASSERT_EQ(Difference(StringFormat(), format, value), "");
+            ASSERT_EQ(Difference(StringFormat(), format, nearer), "");
+        }
+    }
+}
+
+TEST(FormatGenerated, RealsAreRoundedAsTheProgramAsksFor)
+{
+    for (int const direction : {FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO, FE_TONEAREST}) {
+        std::fesetround(direction);
+        for (double const value : {0.15, -0.15, 0.25, -0.25, 1e22, 9.999999999}) {
+            EXPECT_EQ(Difference(StringFormat(), "%.1f", value), "") << direction;
+        }
+    }
 }
 
 TEST(FormatGenerated, TextsCharactersAndPointers)
