@@ -1,161 +1,189 @@
-// Loading and saving a settings file of 10,000 values, beside the XML library used bare. Every save is
-// flushed to the disk and replaces the file; every peer's is, too.
-#include "quarn/properties/property_collection.h"
-#include "quarn/properties/win32/xml_persist.h"
+// Loading and saving a settings file beside the XML library that the store is made with, used bare. The
+// limits are the file's bytes alone, from the disk's cache and safely to the disk.
+#include "bench/xml_bench.h"
 
-#include <cstdio>
-#include <filesystem>
 #include <fstream>
-#include <string>
+#include <iterator>
+#include <memory>
 
-#include <benchmark/benchmark.h>
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/framework/LocalFileFormatTarget.hpp>
-#include <xercesc/framework/MemBufFormatTarget.hpp>
 #include <xercesc/parsers/XercesDOMParser.hpp>
+#include <xercesc/sax2/Attributes.hpp>
 #include <xercesc/sax2/DefaultHandler.hpp>
 #include <xercesc/sax2/SAX2XMLReader.hpp>
 #include <xercesc/sax2/XMLReaderFactory.hpp>
 
 namespace {
 
-namespace fs = std::filesystem;
+using Bench::Seen;
+using Bench::SettingsFile;
+using xercesc::XMLString;
 using xercesc::XMLUni;
-
-char const* const g_file = "xml_bench_settings.xml";
-
-// 100 keys of 100 values, in three types.
-void Fill(Quarn::PropertyCollection& tree)
-{
-    for (int k = 0; k < 100; ++k) {
-        std::string const name = "Key" + std::to_string(k);
-        Quarn::PropertyKey* const key = tree.AddSubKey(name.c_str());
-        for (int v = 0; v < 100; ++v) {
-            std::string const valueName = "Value" + std::to_string(v);
-            unsigned char const bytes[4] = {1, 2, 3, static_cast<unsigned char>(v)};
-            if (v % 3 == 0) {
-                key->SetValue(valueName, Quarn::PropertyData(static_cast<long>(k * v)), true);
-            } else if (v % 3 == 1) {
-                key->SetValue(valueName, Quarn::PropertyData("a text of a usual length"), true);
-            } else {
-                key->SetValue(valueName, Quarn::PropertyData(bytes, 4L), true);
-            }
-        }
-    }
-}
-
-// The file that every load reads; starts the XML library for the peers.
-class File
-{
-public:
-    File() : m_store(g_file)
-    {
-        Fill(tree);
-        if (!m_store.Persist(&tree)) {
-            std::fprintf(stderr, "the settings file cannot be written\n");
-            std::abort();
-        }
-    }
-    ~File() { fs::remove(g_file); }
-
-    Quarn::PropertyCollection tree{"Bench", "Quarn_Properties"};
-
-private:
-    Quarn::Win32::XMLPropPersist m_store;
-};
 
 void LoadQuarn(benchmark::State& state)
 {
-    File const file;
-    for (auto _ : state) {
-        Quarn::PropertyCollection tree;
-        if (!Quarn::Win32::XMLPropPersist(g_file).Populate(&tree) || tree.GetKeyCount() != 100) {
-            state.SkipWithError("not loaded");
-        }
-        benchmark::DoNotOptimize(tree);
-    }
+    Bench::MeasureLoad(
+        state,
+        [](char const* path) {
+            auto tree = std::make_unique<Quarn::PropertyCollection>();
+            Quarn::Win32::XMLPropPersist(path).Populate(tree.get());
+            return tree;
+        },
+        [](auto const& tree) { return Bench::SeenIn(*tree); });
 }
+
+std::string ReadWhole(char const* path)
+{
+    std::string bytes(std::filesystem::file_size(path), '\0');
+    std::ifstream(path, std::ios_base::binary).read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    return bytes;
+}
+
+void LoadLimit(benchmark::State& state)
+{
+    Bench::MeasureLoad(state, ReadWhole, [](std::string const&) { return Bench::Expected(); });
+}
+
+// The library, started and ended.
+class Xerces
+{
+public:
+    Xerces() { xercesc::XMLPlatformUtils::Initialize(); }
+    Xerces(Xerces const&) = delete;
+    Xerces& operator=(Xerces const&) = delete;
+    ~Xerces() { xercesc::XMLPlatformUtils::Terminate(); }
+};
+
+class Counter : public xercesc::DefaultHandler
+{
+public:
+    void startElement(XMLCh const* /*uri*/, XMLCh const* /*local*/, XMLCh const* /*name*/,
+                      xercesc::Attributes const& attributes) override
+    {
+        m_inValue = attributes.getLength() == 2;
+        if (m_inValue) {
+            seen.Add(XMLString::stringLen(attributes.getValue(XMLSize_t{0})),
+                     XMLString::stringLen(attributes.getValue(XMLSize_t{1})), 0);
+        }
+    }
+    void endElement(XMLCh const* /*uri*/, XMLCh const* /*local*/, XMLCh const* /*name*/) override
+    {
+        m_inValue = false;
+    }
+    void characters(XMLCh const* /*text*/, XMLSize_t length) override
+    {
+        seen.bytes += m_inValue ? length : 0;
+    }
+    Seen seen;
+
+private:
+    bool m_inValue = false;
+};
 
 void LoadSax2(benchmark::State& state)
 {
-    File const file;
-    xercesc::XMLPlatformUtils::Initialize();
-    {
-        std::unique_ptr<xercesc::SAX2XMLReader> const reader(xercesc::XMLReaderFactory::createXMLReader());
-        reader->setFeature(XMLUni::fgSAX2CoreValidation, false);
-        reader->setFeature(XMLUni::fgSAX2CoreNameSpaces, false);
-        reader->setFeature(XMLUni::fgXercesSchema, false);
-        xercesc::DefaultHandler handler;
-        reader->setContentHandler(&handler);
-        for (auto _ : state) {
-            reader->parse(g_file);
+    Xerces const library;
+    std::unique_ptr<xercesc::SAX2XMLReader> const reader(xercesc::XMLReaderFactory::createXMLReader());
+    reader->setFeature(XMLUni::fgSAX2CoreValidation, false);
+    reader->setFeature(XMLUni::fgSAX2CoreNameSpaces, false);
+    reader->setFeature(XMLUni::fgXercesSchema, false);
+    Bench::MeasureLoad(
+        state,
+        [&](char const* path) {
+            Counter counter;
+            reader->setContentHandler(&counter);
+            reader->parse(path);
+            return counter.seen;
+        },
+        [](Seen const& seen) { return seen; });
+}
+
+std::unique_ptr<xercesc::XercesDOMParser> Parse(char const* path)
+{
+    auto parser = std::make_unique<xercesc::XercesDOMParser>();
+    parser->setDoNamespaces(false);
+    parser->setDoSchema(false);
+    parser->setIncludeIgnorableWhitespace(false);
+    parser->parse(path);
+    return parser;
+}
+
+Seen SeenBelow(xercesc::DOMElement const* parent)
+{
+    static XMLCh const nameAttribute[] = {'N', 'a', 'm', 'e', 0};
+    static XMLCh const typeAttribute[] = {'T', 'y', 'p', 'e', 0};
+    Seen seen;
+    for (auto const* child = parent->getFirstElementChild(); child != nullptr;
+         child = child->getNextElementSibling()) {
+        if (child->hasAttribute(typeAttribute)) {
+            seen.Add(XMLString::stringLen(child->getAttribute(nameAttribute)),
+                     XMLString::stringLen(child->getAttribute(typeAttribute)),
+                     XMLString::stringLen(child->getTextContent()));
+        } else {
+            Seen const below = SeenBelow(child);
+            seen.values += below.values;
+            seen.bytes += below.bytes;
         }
     }
-    xercesc::XMLPlatformUtils::Terminate();
+    return seen;
 }
 
 void LoadDom(benchmark::State& state)
 {
-    File const file;
-    xercesc::XMLPlatformUtils::Initialize();
-    for (auto _ : state) {
-        xercesc::XercesDOMParser parser;
-        parser.setDoNamespaces(false);
-        parser.setDoSchema(false);
-        parser.parse(g_file);
-        benchmark::DoNotOptimize(parser.getDocument());
-    }
-    xercesc::XMLPlatformUtils::Terminate();
+    Xerces const library;
+    Bench::MeasureLoad(state, Parse, [](auto const& parser) {
+        return SeenBelow(parser->getDocument()->getDocumentElement());
+    });
 }
 
 void SaveQuarn(benchmark::State& state)
 {
-    File const file;
-    Quarn::Win32::XMLPropPersist const store(g_file);
-    for (auto _ : state) {
-        if (!store.Persist(&file.tree)) {
-            state.SkipWithError("not saved");
-        }
-    }
+    SettingsFile const file;
+    Bench::MeasureSave(
+        state, [&](char const* path) { return Quarn::Win32::XMLPropPersist(path).Persist(&file.tree) != 0; });
 }
 
-// The bare library's pretty printer from its own ready-made document, to a file that nothing flushes.
-void SaveDomUnflushed(benchmark::State& state)
+void SaveLimit(benchmark::State& state)
 {
-    File const file;
-    xercesc::XMLPlatformUtils::Initialize();
-    {
-        xercesc::XercesDOMParser parser;
-        parser.setDoNamespaces(false);
-        parser.setIncludeIgnorableWhitespace(false);
-        parser.parse(g_file);
-        static XMLCh const core[] = {'C', 'o', 'r', 'e', 0};
-        auto* const implementation = xercesc::DOMImplementationRegistry::getDOMImplementation(core);
-        for (auto _ : state) {
-            xercesc::DOMLSSerializer* const writer = implementation->createLSSerializer();
-            writer->getDomConfig()->setParameter(XMLUni::fgDOMWRTFormatPrettyPrint, true);
-            xercesc::DOMLSOutput* const output = implementation->createLSOutput();
-            xercesc::LocalFileFormatTarget target("xml_bench_peer.xml");
-            output->setByteStream(&target);
-            writer->write(parser.getDocument()->getDocumentElement(), output);
-            output->release();
-            writer->release();
-        }
-    }
-    xercesc::XMLPlatformUtils::Terminate();
-    fs::remove("xml_bench_peer.xml");
+    SettingsFile const file;
+    std::string const bytes = ReadWhole(SettingsFile::Path());
+    Bench::MeasureWrite(state, [&](char const* path) {
+        int const written = ::open(path, O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        benchmark::DoNotOptimize(::write(written, bytes.data(), bytes.size()));
+        ::close(written);
+    });
 }
 
-BENCHMARK(LoadQuarn)->Name("settings load/quarn/10000 values")->Unit(benchmark::kMillisecond);
-BENCHMARK(LoadSax2)->Name("settings load/Xerces-C SAX2, bare/10000 values")->Unit(benchmark::kMillisecond);
-BENCHMARK(LoadDom)->Name("settings load/Xerces-C DOM, bare/10000 values")->Unit(benchmark::kMillisecond);
-BENCHMARK(SaveQuarn)
-    ->Name("settings save/quarn, flushed to disk/10000 values")
-    ->Unit(benchmark::kMillisecond)
-    ->UseRealTime();
-BENCHMARK(SaveDomUnflushed)
-    ->Name("settings save/Xerces-C DOM writer, not flushed/10000 values")
-    ->Unit(benchmark::kMillisecond)
-    ->UseRealTime();
+// The pretty printer, from a document that is ready.
+void SaveDom(benchmark::State& state)
+{
+    SettingsFile const file;
+    Xerces const library;
+    auto const parser = Parse(SettingsFile::Path());
+    static XMLCh const core[] = {'C', 'o', 'r', 'e', 0};
+    auto* const implementation = xercesc::DOMImplementationRegistry::getDOMImplementation(core);
+    Bench::MeasureWrite(state, [&](char const* path) {
+        xercesc::DOMLSSerializer* const writer = implementation->createLSSerializer();
+        writer->getDomConfig()->setParameter(XMLUni::fgDOMWRTFormatPrettyPrint, true);
+        xercesc::DOMLSOutput* const output = implementation->createLSOutput();
+        xercesc::LocalFileFormatTarget target(path);
+        output->setByteStream(&target);
+        writer->write(parser->getDocument()->getDocumentElement(), output);
+        output->release();
+        writer->release();
+    });
+}
+
+[[maybe_unused]] int const g_registered = [] {
+    Bench::RegisterLoad("quarn", LoadQuarn);
+    Bench::RegisterLoad("limit: read the file", LoadLimit);
+    Bench::RegisterLoad("Xerces-C SAX2", LoadSax2);
+    Bench::RegisterLoad("Xerces-C DOM", LoadDom);
+    Bench::RegisterSave("quarn", SaveQuarn);
+    Bench::RegisterSave("limit: bytes that are ready", SaveLimit);
+    Bench::RegisterSave("Xerces-C DOM", SaveDom);
+    return 0;
+}();
 
 } // namespace
