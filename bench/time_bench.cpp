@@ -204,12 +204,19 @@ Fields Original(std::size_t i)
     return TheDates().fields[i];
 }
 
-// The seconds since 1970 of a Julian day, to the nearest second.
-std::int64_t ToSeconds(double julian)
+// A Julian day as days since 1970 and seconds, to the nearest.
+struct DayAndSecond
+{
+    std::int64_t day;
+    int second;
+    std::int64_t Seconds() const { return day * 86400 + second; }
+};
+
+DayAndSecond Split(double julian)
 {
     double const days = julian + 0.5;
     auto const day = static_cast<std::int64_t>(days);
-    return (day - epoch) * 86400 + static_cast<std::int64_t>((days - static_cast<double>(day)) * 86400 + 0.5);
+    return {day - epoch, static_cast<int>((days - static_cast<double>(day)) * 86400 + 0.5)};
 }
 
 void FromJulianQuarn(benchmark::State& state)
@@ -228,7 +235,7 @@ void FromJulianChrono(benchmark::State& state)
 {
     Dates const& dates = TheDates();
     Measure(
-        state, [&](std::size_t i) { return FromSeconds(ToSeconds(dates.julian[i])); }, Original);
+        state, [&](std::size_t i) { return FromSeconds(Split(dates.julian[i]).Seconds()); }, Original);
 }
 
 void FromJulianGmtime(benchmark::State& state)
@@ -237,7 +244,7 @@ void FromJulianGmtime(benchmark::State& state)
     Measure(
         state,
         [&](std::size_t i) {
-            std::time_t const seconds = ToSeconds(dates.julian[i]);
+            std::time_t const seconds = Split(dates.julian[i]).Seconds();
             std::tm calendar;
             return Of(*::gmtime_r(&seconds, &calendar));
         },
@@ -249,7 +256,13 @@ void FromJulianAbsl(benchmark::State& state)
 {
     Dates const& dates = TheDates();
     Measure(
-        state, [&](std::size_t i) { return Of(absl::CivilSecond(1970, 1, 1) + ToSeconds(dates.julian[i])); },
+        state,
+        [&](std::size_t i) {
+            DayAndSecond const split = Split(dates.julian[i]);
+            absl::CivilDay const day = absl::CivilDay(1970, 1, 1) + split.day;
+            return Fields{static_cast<int>(day.year()), day.month(),      day.day(), split.second / 3600,
+                          split.second / 60 % 60,       split.second % 60};
+        },
         Original);
 }
 #endif
