@@ -6,13 +6,16 @@
 
 #include <array>
 #include <cstdio>
-#include <cstdlib>
 #include <fstream>
 #include <ios>
 #include <sstream>
 #include <string>
 
 #include <benchmark/benchmark.h>
+#ifdef QUARN_HAVE_QT
+#include <QFile>
+#include <QTextStream>
+#endif
 
 namespace {
 
@@ -46,7 +49,7 @@ public:
     ~TextFile() { std::remove(path); }
 };
 
-// Measures `read`, which returns how many lines and bytes without line ends it has seen.
+// How many lines, and bytes without line ends.
 struct Seen
 {
     int lines = 0;
@@ -58,6 +61,7 @@ struct Seen
     }
 };
 
+// Measures `read`, which returns what it has seen of the file.
 template<typename Read>
 void Measure(benchmark::State& state, std::string const& end, Read read)
 {
@@ -129,6 +133,22 @@ Seen ReadFgets()
     return seen;
 }
 
+#ifdef QUARN_HAVE_QT
+// Qt makes UTF-16 of the text.
+Seen ReadQt()
+{
+    QFile file(path);
+    file.open(QIODevice::ReadOnly);
+    QTextStream stream(&file);
+    QString line;
+    Seen seen;
+    while (stream.readLineInto(&line)) {
+        seen.Line(static_cast<std::size_t>(line.size()));
+    }
+    return seen;
+}
+#endif
+
 // The bytes alone, through the standard stream's buffer: what the lines cannot be faster than.
 Seen ReadBlocks()
 {
@@ -155,6 +175,13 @@ void FileFgets(benchmark::State& state)
 {
     Measure(state, "\n", ReadFgets);
 }
+
+#ifdef QUARN_HAVE_QT
+void FileQt(benchmark::State& state)
+{
+    Measure(state, "\n", ReadQt);
+}
+#endif
 
 void FileBlocks(benchmark::State& state)
 {
@@ -200,6 +227,9 @@ BENCHMARK(FileQuarn)->Name("lines of a file/quarn/1,000,000, line feeds");
 BENCHMARK(FileGetline)->Name("lines of a file/std::getline/1,000,000, line feeds");
 BENCHMARK(FileFgets)->Name("lines of a file/fgets + assign/1,000,000, line feeds");
 BENCHMARK(FileBlocks)->Name("lines of a file/limit: std::ifstream::read/1,000,000, line feeds");
+#ifdef QUARN_HAVE_QT
+BENCHMARK(FileQt)->Name("lines of a file/QTextStream/1,000,000, line feeds");
+#endif
 BENCHMARK(CrlfQuarn)->Name("lines of a file/quarn/1,000,000, both");
 BENCHMARK(CrlfGetline)->Name("lines of a file/std::getline + pop_back/1,000,000, both");
 BENCHMARK(MemoryQuarn)->Name("lines in memory/quarn/1,000,000, line feeds");

@@ -1,44 +1,29 @@
-// A mixed record of 231 bytes (header block, 8 integers, 4 doubles, 4 floats, 3 strings) to memory and back;
-// one operation is 1,000 records.
+// A mixed record of 231 bytes to memory, to a file and back: the library, standard streams with the same
+// bytes, and memcpy as the limit. Other peers are in files of their own.
+#include "bench/record_bench.h"
+
+#include "quarn/stream/file_stream.h"
 #include "quarn/stream/header_block.h"
 #include "quarn/stream/memory_stream.h"
 #include "quarn/stream/stat_stream.h"
 
-#include <array>
-#include <cstdint>
 #include <cstring>
-#include <sstream>
-#include <string>
-#include <vector>
+#include <memory>
 
-#include <benchmark/benchmark.h>
+#include <fcntl.h>
+#include <unistd.h>
+#include <zlib.h>
 
 namespace {
 
-constexpr std::size_t recordCount = 1000;
-constexpr std::size_t recordSize = 231;
+using Bench::ForEachField;
+using Bench::MakeRecords;
+using Bench::Record;
+using Bench::RecordCount;
+using Bench::RecordSize;
+using Bench::ScratchFile;
 
-struct Record
-{
-    std::uint32_t id = 0x00010002;
-    std::uint32_t version = 3;
-    std::array<std::int32_t, 8> ints = {1, -2, 3, -4, 5, -6, 7, -8};
-    std::array<double, 4> doubles = {1.5, -2.5, 3.25, 1e100};
-    std::array<float, 4> floats = {0.5F, 1.5F, -2.5F, 1e10F};
-    std::array<Quarn::string, 3> texts = {Quarn::string(20, 'a'), Quarn::string(37, 'b'),
-                                          Quarn::string(50, 'c')};
-    bool operator==(Record const& other) const = default;
-};
-
-std::vector<Record> MakeRecords()
-{
-    std::vector<Record> records(recordCount);
-    for (std::size_t i = 0; i < recordCount; ++i) {
-        records[i].ints[0] = static_cast<std::int32_t>(i);
-        records[i].doubles[0] = static_cast<double>(i) / 7;
-    }
-    return records;
-}
+constexpr std::size_t TotalSize = RecordCount * RecordSize;
 
 // The library.
 
@@ -62,81 +47,29 @@ void WriteTo(Quarn::ostream& out, Record const& record)
     }
 }
 
-void ReadFrom(Quarn::istream& in, Record& record)
+void WriteTo(Quarn::ostream& out, std::vector<Record> const& records)
 {
-    record.version = static_cast<std::uint32_t>(in.ReadAndVerifyHeader(0x00010002, 3));
-    for (int& value : record.ints) {
-        in >> value;
-    }
-    for (double& value : record.doubles) {
-        in >> value;
-    }
-    for (float& value : record.floats) {
-        in >> value;
-    }
-    for (Quarn::string& text : record.texts) {
-        in >> text;
+    for (Record const& record : records) {
+        WriteTo(out, record);
     }
 }
 
-// The same bytes through a standard stream, a field at a time.
-
-template<typename T>
-void Put(std::ostream& out, T const& value)
+void ReadFrom(Quarn::istream& in, std::vector<Record>& records)
 {
-    out.write(reinterpret_cast<char const*>(&value), sizeof value);
-}
-
-template<typename T>
-void Get(std::istream& in, T& value)
-{
-    in.read(reinterpret_cast<char*>(&value), sizeof value);
-}
-
-void WriteTo(std::ostream& out, Record const& record)
-{
-    Put(out, record.id);
-    Put(out, record.version);
-    for (auto const& value : record.ints) {
-        Put(out, value);
-    }
-    for (auto const& value : record.doubles) {
-        Put(out, value);
-    }
-    for (auto const& value : record.floats) {
-        Put(out, value);
-    }
-    for (Quarn::string const& text : record.texts) {
-        auto const length = static_cast<std::uint32_t>(text.size());
-        Put(out, 0xFFFFFFFFU);
-        Put(out, length);
-        Put(out, ~length);
-        out.write(text.data(), length);
-    }
-}
-
-void ReadFrom(std::istream& in, Record& record)
-{
-    Get(in, record.id);
-    Get(in, record.version);
-    for (auto& value : record.ints) {
-        Get(in, value);
-    }
-    for (auto& value : record.doubles) {
-        Get(in, value);
-    }
-    for (auto& value : record.floats) {
-        Get(in, value);
-    }
-    for (Quarn::string& text : record.texts) {
-        std::uint32_t marker = 0;
-        std::uint32_t length = 0;
-        std::uint32_t check = 0;
-        Get(in, marker);
-        Get(in, length);
-        Get(in, check);
-        text.std::string::resize(length);
-        in.read(text.data(), length);
+    for (Record& record : records) {
+        record.version = static_cast<std::uint32_t>(in.ReadAndVerifyHeader(0x00010002, 3));
+        for (int& value : record.ints) {
+            in >> value;
+        }
+        for (double& value : record.doubles) {
+            in >> value;
+        }
+        for (float& value : record.floats) {
+            in >> value;
+        }
+        for (Quarn::string& text : record.texts) {
+            in >> text;
+        }
     }
 }
 
@@ -153,12 +86,6 @@ public:
         std::memcpy(m_position, &value, sizeof value);
         m_position += sizeof value;
     }
-    template<typename T>
-    void Get(T& value)
-    {
-        std::memcpy(&value, m_position, sizeof value);
-        m_position += sizeof value;
-    }
     void Put(Quarn::string const& text)
     {
         auto const length = static_cast<std::uint32_t>(text.size());
@@ -167,6 +94,12 @@ public:
         Put(~length);
         std::memcpy(m_position, text.data(), length);
         m_position += length;
+    }
+    template<typename T>
+    void Get(T& value)
+    {
+        std::memcpy(&value, m_position, sizeof value);
+        m_position += sizeof value;
     }
     void Get(Quarn::string& text)
     {
@@ -182,140 +115,227 @@ private:
     unsigned char* m_position;
 };
 
-template<typename Action>
-void ForEachField(Record& record, Action action)
+using Memory = std::unique_ptr<unsigned char[]>;
+
+// Not initialised: every byte is written.
+Memory NewMemory()
 {
-    action(record.id);
-    action(record.version);
-    for (auto& value : record.ints) {
-        action(value);
-    }
-    for (auto& value : record.doubles) {
-        action(value);
-    }
-    for (auto& value : record.floats) {
-        action(value);
-    }
-    for (auto& text : record.texts) {
-        action(text);
+    return Memory(new unsigned char[TotalSize]);
+}
+
+void PutAll(unsigned char* memory, std::vector<Record> const& records)
+{
+    Block block(memory);
+    for (Record const& record : records) {
+        ForEachField(record, [&](auto const& field) { block.Put(field); });
     }
 }
 
-std::vector<unsigned char> Encoded()
+void GetAll(unsigned char* memory, std::vector<Record>& records)
 {
-    std::vector<unsigned char> bytes(recordCount * recordSize);
-    Quarn::memorystream stream(bytes.data(), recordCount * recordSize, false);
-    for (Record const& record : MakeRecords()) {
-        WriteTo(stream, record);
+    Block block(memory);
+    for (Record& record : records) {
+        ForEachField(record, [&](auto& field) { block.Get(field); });
     }
-    return bytes;
 }
 
-void WriteQuarn(benchmark::State& state)
+// The same bytes through a standard stream.
+struct Standard
+{
+    static void Write(std::ostream& stream, std::vector<Record> const& records)
+    {
+        for (Record const& record : records) {
+            ForEachField(record, [&](auto const& field) { Put(stream, field); });
+        }
+    }
+    static void Read(std::istream& stream, std::vector<Record>& records)
+    {
+        for (Record& record : records) {
+            ForEachField(record, [&](auto& field) { Get(stream, field); });
+        }
+    }
+
+private:
+    template<typename T>
+    static void Put(std::ostream& stream, T const& value)
+    {
+        stream.write(reinterpret_cast<char const*>(&value), sizeof value);
+    }
+    static void Put(std::ostream& stream, Quarn::string const& text)
+    {
+        auto const length = static_cast<std::uint32_t>(text.size());
+        Put(stream, 0xFFFFFFFFU);
+        Put(stream, length);
+        Put(stream, ~length);
+        stream.write(text.data(), length);
+    }
+    template<typename T>
+    static void Get(std::istream& stream, T& value)
+    {
+        stream.read(reinterpret_cast<char*>(&value), sizeof value);
+    }
+    static void Get(std::istream& stream, Quarn::string& text)
+    {
+        std::uint32_t marker = 0;
+        std::uint32_t length = 0;
+        std::uint32_t check = 0;
+        Get(stream, marker);
+        Get(stream, length);
+        Get(stream, check);
+        text.std::string::resize(length);
+        stream.read(text.data(), length);
+    }
+};
+
+// What the limit writes is what the library writes.
+Memory Encoded()
+{
+    Memory limit = NewMemory();
+    PutAll(limit.get(), MakeRecords());
+    return limit;
+}
+
+void WriteMemoryQuarn(benchmark::State& state)
 {
     std::vector<Record> const records = MakeRecords();
+    Memory const expected = Encoded();
     for (auto _ : state) {
-        Quarn::memorystream stream(recordCount * recordSize);
-        for (Record const& record : records) {
-            WriteTo(stream, record);
-        }
+        Quarn::memorystream stream(TotalSize);
+        WriteTo(stream, records);
         benchmark::DoNotOptimize(stream.GetMemory());
     }
+    Quarn::memorystream stream(TotalSize);
+    WriteTo(stream, records);
+    if (std::memcmp(stream.GetMemory(), expected.get(), TotalSize) != 0) {
+        state.SkipWithError("wrong bytes");
+    }
 }
 
-void WriteStringstream(benchmark::State& state)
+void WriteMemoryLimit(benchmark::State& state)
 {
     std::vector<Record> const records = MakeRecords();
     for (auto _ : state) {
-        std::ostringstream stream;
-        for (Record const& record : records) {
-            WriteTo(stream, record);
-        }
-        benchmark::DoNotOptimize(stream);
+        Memory const memory = NewMemory();
+        PutAll(memory.get(), records);
+        benchmark::DoNotOptimize(memory.get());
+        benchmark::ClobberMemory();
     }
 }
 
-void WriteMemcpy(benchmark::State& state)
+void ReadMemoryQuarn(benchmark::State& state)
 {
-    std::vector<Record> records = MakeRecords();
+    Memory const memory = Encoded();
+    Bench::MeasureRead(state, [&](std::vector<Record>& records) {
+        Quarn::memorystream stream(memory.get(), TotalSize, false);
+        ReadFrom(stream, records);
+    });
+}
+
+void ReadMemoryLimit(benchmark::State& state)
+{
+    Memory const memory = Encoded();
+    Bench::MeasureRead(state, [&](std::vector<Record>& records) { GetAll(memory.get(), records); });
+}
+
+void WriteFileQuarn(benchmark::State& state)
+{
+    ScratchFile const file("record_bench_quarn.dat");
+    std::vector<Record> const records = MakeRecords();
     for (auto _ : state) {
-        std::vector<unsigned char> bytes(recordCount * recordSize);
-        Block block(bytes.data());
-        for (Record& record : records) {
-            ForEachField(record, [&](auto const& field) { block.Put(field); });
+        Quarn::ofstream stream(file.Path(), std::ios_base::binary);
+        WriteTo(stream, records);
+        stream.close();
+        if (!stream.IsValidOutput()) {
+            state.SkipWithError("not written");
         }
-        benchmark::DoNotOptimize(bytes.data());
     }
 }
 
-template<typename Read>
-void ReadBack(benchmark::State& state, Read read)
+void WriteWhole(char const* path, unsigned char const* memory)
 {
-    std::vector<Record> const expected = MakeRecords();
-    std::vector<Record> records(recordCount);
+    int const file = ::open(path, O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    benchmark::DoNotOptimize(::write(file, memory, TotalSize));
+    ::close(file);
+}
+
+void WriteFileLimit(benchmark::State& state)
+{
+    ScratchFile const file("record_bench_limit.dat");
+    std::vector<Record> const records = MakeRecords();
+    Memory const memory = NewMemory();
     for (auto _ : state) {
-        read(records);
-        benchmark::DoNotOptimize(records.data());
-    }
-    if (records != expected) {
-        state.SkipWithError("read something else than was written");
+        PutAll(memory.get(), records);
+        WriteWhole(file.Path(), memory.get());
     }
 }
 
-void ReadQuarn(benchmark::State& state)
+void ReadFileQuarn(benchmark::State& state)
 {
-    std::vector<unsigned char> bytes = Encoded();
-    ReadBack(state, [&](std::vector<Record>& records) {
-        Quarn::memorystream stream(bytes.data(), recordCount * recordSize, false);
-        for (Record& record : records) {
-            ReadFrom(stream, record);
-        }
+    ScratchFile const file("record_bench_quarn.dat");
+    WriteWhole(file.Path(), Encoded().get());
+    Bench::MeasureRead(state, [&](std::vector<Record>& records) {
+        Quarn::ifstream stream(file.Path(), std::ios_base::binary);
+        ReadFrom(stream, records);
     });
 }
 
-void ReadStringstream(benchmark::State& state)
+void ReadFileLimit(benchmark::State& state)
 {
-    std::vector<unsigned char> const bytes = Encoded();
-    std::string const text(bytes.begin(), bytes.end());
-    std::istringstream stream(text);
-    ReadBack(state, [&](std::vector<Record>& records) {
-        stream.clear();
-        stream.seekg(0);
-        for (Record& record : records) {
-            ReadFrom(stream, record);
-        }
+    ScratchFile const scratch("record_bench_limit.dat");
+    WriteWhole(scratch.Path(), Encoded().get());
+    Memory const memory = NewMemory();
+    Bench::MeasureRead(state, [&](std::vector<Record>& records) {
+        int const file = ::open(scratch.Path(), O_RDONLY);
+        benchmark::DoNotOptimize(::read(file, memory.get(), TotalSize));
+        ::close(file);
+        GetAll(memory.get(), records);
     });
 }
 
-void ReadMemcpy(benchmark::State& state)
+// The size and the CRC-32 of all records.
+
+unsigned long Expected()
 {
-    std::vector<unsigned char> bytes = Encoded();
-    ReadBack(state, [&](std::vector<Record>& records) {
-        Block block(bytes.data());
-        for (Record& record : records) {
-            ForEachField(record, [&](auto& field) { block.Get(field); });
-        }
-    });
+    return ::crc32_z(0, Encoded().get(), TotalSize);
 }
 
 void CountQuarn(benchmark::State& state)
 {
     std::vector<Record> const records = MakeRecords();
+    unsigned long const expected = Expected();
     for (auto _ : state) {
         Quarn::statstream stream(true);
-        for (Record const& record : records) {
-            WriteTo(stream, record);
+        WriteTo(stream, records);
+        if (stream.GetCRCValue() != expected || stream.GetSize() != TotalSize) {
+            state.SkipWithError("wrong checksum");
         }
-        benchmark::DoNotOptimize(stream.GetCRCValue());
     }
 }
 
-BENCHMARK(WriteQuarn)->Name("record write/quarn/1000 of 231 bytes");
-BENCHMARK(WriteStringstream)->Name("record write/std::ostringstream/1000 of 231 bytes");
-BENCHMARK(WriteMemcpy)->Name("record write/limit: memcpy/1000 of 231 bytes");
-BENCHMARK(ReadQuarn)->Name("record read/quarn/1000 of 231 bytes");
-BENCHMARK(ReadStringstream)->Name("record read/std::istringstream/1000 of 231 bytes");
-BENCHMARK(ReadMemcpy)->Name("record read/limit: memcpy/1000 of 231 bytes");
-BENCHMARK(CountQuarn)->Name("record count with CRC/quarn/1000 of 231 bytes");
+void CountMemory(benchmark::State& state)
+{
+    std::vector<Record> const records = MakeRecords();
+    unsigned long const expected = Expected();
+    for (auto _ : state) {
+        Quarn::memorystream stream(TotalSize);
+        WriteTo(stream, records);
+        if (::crc32_z(0, stream.GetMemory(), TotalSize) != expected) {
+            state.SkipWithError("wrong checksum");
+        }
+    }
+}
+
+BENCHMARK(WriteMemoryQuarn)->Name("record/quarn/write to memory");
+BENCHMARK(WriteMemoryLimit)->Name("record/limit: memcpy/write to memory");
+BENCHMARK(ReadMemoryQuarn)->Name("record/quarn/read from memory");
+BENCHMARK(ReadMemoryLimit)->Name("record/limit: memcpy/read from memory");
+BENCHMARK(WriteFileQuarn)->Name("record/quarn/write to file");
+BENCHMARK(WriteFileLimit)->Name("record/limit: memcpy + one call/write to file");
+BENCHMARK(ReadFileQuarn)->Name("record/quarn/read from file");
+BENCHMARK(ReadFileLimit)->Name("record/limit: memcpy + one call/read from file");
+BENCHMARK(CountQuarn)->Name("record/quarn/count with CRC");
+BENCHMARK(CountMemory)->Name("record/memory stream + zlib/count with CRC");
+
+[[maybe_unused]] int const g_registered = (Bench::Register<Standard>("standard stream"), 0);
 
 } // namespace

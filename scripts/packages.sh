@@ -6,6 +6,9 @@ packages_test=(libgtest-dev locales tzdata pkg-config)
 # The Xerces-C for Windows comes from a source package, which dpkg-dev unpacks.
 packages_windows=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev dpkg-dev wine wine64)
 packages_windows_test=(googletest)
+# What the library is measured beside.
+packages_bench=(libbenchmark-dev libdeflate-dev libisal-dev libabsl-dev libfmt-dev libcereal-dev libboost-dev
+    libboost-serialization-dev libpoco-dev qtbase5-dev libpugixml-dev)
 packages_check=(clang-14 libclang-rt-14-dev clang-format-14 clang-tidy-14 gcovr python3-clang-14)
 
 # install_packages PACKAGE...: installs those that are missing, and says which.

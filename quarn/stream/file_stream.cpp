@@ -85,10 +85,11 @@ ifstream::ifstream(char const* path, int mode)
 
 ifstream::~ifstream() = default;
 
-// A class derived from this one may have an `input` of its own, which must see every byte.
+// A class derived from this one may have an `input` of its own, which must see every byte. The types are
+// compared by address: there is one of each, and the operator compares the names of others.
 void ifstream::OpenWindow()
 {
-    if (m_stream.good() && typeid(*this) == typeid(ifstream)) {
+    if (m_stream.good() && &typeid(*this) == &typeid(ifstream)) {
         m_window.next = AtHand::First(*m_stream.rdbuf());
         m_window.end = AtHand::Last(*m_stream.rdbuf());
     }

@@ -80,10 +80,11 @@ void memorystream::ReleaseMemory()
     m_buffer = nullptr;
 }
 
-// A class derived from this one may have an `input` and `output` of its own, which must see every byte.
+// A class derived from this one may have an `input` and `output` of its own, which must see every byte. The
+// types are compared by address: there is one of each, and the operator compares the names of others.
 void memorystream::OpenWindow()
 {
-    if (m_buffer != nullptr && m_position < m_size && typeid(*this) == typeid(memorystream)) {
+    if (m_buffer != nullptr && m_position < m_size && &typeid(*this) == &typeid(memorystream)) {
         m_window.next = m_buffer + m_position;
         m_window.end = m_buffer + m_size;
     }
