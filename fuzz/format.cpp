@@ -116,7 +116,7 @@ std::optional<Format> WithArguments(std::string const& text, Maker& maker)
             return std::nullopt;
         }
     }
-    return format.arguments.size() <= generated_format::maxArguments ? std::optional(format) : std::nullopt;
+    return format.arguments.size() <= generated_format::MaxArguments ? std::optional(format) : std::nullopt;
 }
 
 } // namespace

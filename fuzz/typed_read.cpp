@@ -19,7 +19,7 @@
 namespace {
 
 // A compressed text is expanded into a block of the size that it claims; the sizes tried here are small.
-constexpr std::uint32_t g_largestClaim = 1U << 16U;
+constexpr std::uint32_t LargestClaim = 1U << 16U;
 
 class Derived : public Quarn::memorystream
 {
@@ -127,7 +127,7 @@ private:
         if (m_stream.GetSize() - m_stream.tellg() >= 8) {
             std::memcpy(&claim, m_stream.GetMemory() + position + 4, sizeof claim);
         }
-        if (claim > g_largestClaim) {
+        if (claim > LargestClaim) {
             m_stream.SetInputCompressor(nullptr);
         }
         read();

@@ -6,9 +6,9 @@ namespace Quarn::detail {
 
 bool FindDataFolder(char* folder)
 {
-    constexpr int kFolders[] = {CSIDL_COMMON_DOCUMENTS, CSIDL_COMMON_APPDATA, CSIDL_APPDATA,
-                                CSIDL_LOCAL_APPDATA, CSIDL_PERSONAL};
-    for (int const number : kFolders) {
+    constexpr int Folders[] = {CSIDL_COMMON_DOCUMENTS, CSIDL_COMMON_APPDATA, CSIDL_APPDATA,
+                               CSIDL_LOCAL_APPDATA, CSIDL_PERSONAL};
+    for (int const number : Folders) {
         if (SUCCEEDED(::SHGetFolderPathA(nullptr, number, nullptr, 0, folder))) {
             return true;
         }

@@ -19,7 +19,7 @@ namespace {
 string const typeNames[] = {"string", "binary", "int32", "unknown"};
 
 // The longest text of a 32-bit number.
-constexpr std::size_t numberLength = sizeof "-2147483648";
+constexpr std::size_t NumberLength = sizeof "-2147483648";
 
 } // namespace
 
@@ -166,7 +166,7 @@ string PropertyData::GetDataString() const
             text.push_back(digits[byte & 0xf]);
         }
     } else if (m_type == TypeInt32) {
-        char buffer[numberLength];
+        char buffer[NumberLength];
         text.assign(buffer, std::to_chars(std::begin(buffer), std::end(buffer), m_data.number).ptr);
     }
     return text;

@@ -10,7 +10,7 @@ namespace Quarn {
 
 namespace {
 
-constexpr auto delimiters = [] {
+constexpr auto Delimiters = [] {
     std::array<bool, 256> table{};
     for (unsigned char const c : {'\\', '/', ';', ','}) {
         table[c] = true;
@@ -20,7 +20,7 @@ constexpr auto delimiters = [] {
 
 bool IsDelimiter(char c)
 {
-    return delimiters[static_cast<unsigned char>(c)];
+    return Delimiters[static_cast<unsigned char>(c)];
 }
 
 // Takes the first name of a path, which is not empty, and the delimiters behind it.

@@ -48,14 +48,14 @@ static_assert(FoldBy(512).low == 0x154442BD4 && FoldBy(512).high == 0x1C6E41596)
 static_assert(FoldBy(128).low == 0x1751997D0 && FoldBy(128).high == 0x0CCAA009E);
 
 // By a number of 16-byte blocks; none by 0.
-constexpr std::array<FoldPair, 9> foldByBlocks = {FoldPair{},      FoldBy(128),     FoldBy(128 * 2),
+constexpr std::array<FoldPair, 9> FoldByBlocks = {FoldPair{},      FoldBy(128),     FoldBy(128 * 2),
                                                   FoldBy(128 * 3), FoldBy(128 * 4), FoldBy(128 * 5),
                                                   FoldBy(128 * 6), FoldBy(128 * 7), FoldBy(128 * 8)};
 
-constexpr std::uint64_t foldTo64 = ReflectedPower(64);
-static_assert(foldTo64 == 0x163CD6124);
-constexpr std::uint64_t polynomial = 0x1DB710641; // P, reflected, 33 bits
-constexpr std::uint64_t barrett = 0x1F7011641;    // floor(x^64 / P), reflected, 33 bits
+constexpr std::uint64_t FoldTo64 = ReflectedPower(64);
+static_assert(FoldTo64 == 0x163CD6124);
+constexpr std::uint64_t Polynomial = 0x1DB710641; // P, reflected, 33 bits
+constexpr std::uint64_t Barrett = 0x1F7011641;    // floor(x^64 / P), reflected, 33 bits
 
 QUARN_CLMUL inline __m128i Load(unsigned char const* p)
 {
@@ -77,7 +77,7 @@ QUARN_CLMUL inline __m128i Fold(__m128i sum, __m128i data, __m128i by)
 // Folds the 16-byte blocks of the rest into `sum`, reduces to 32 bits, and takes the last bytes by table.
 QUARN_CLMUL inline std::uint32_t Finish(__m128i sum, unsigned char const* data, std::size_t n)
 {
-    __m128i const by128 = Pair(foldByBlocks[1]);
+    __m128i const by128 = Pair(FoldByBlocks[1]);
     for (; n >= 16; n -= 16, data += 16) {
         sum = Fold(sum, Load(data), by128);
     }
@@ -85,10 +85,10 @@ QUARN_CLMUL inline std::uint32_t Finish(__m128i sum, unsigned char const* data, 
     __m128i const low32 = _mm_setr_epi32(-1, 0, 0, 0);
     // 128 bits (and the 32 zero bits that a CRC appends) to 96, to 64, then Barrett's reduction to 32.
     sum = _mm_xor_si128(_mm_srli_si128(sum, 8), _mm_clmulepi64_si128(sum, by128, 0x10));
-    __m128i const to64 = _mm_set_epi64x(0, static_cast<long long>(foldTo64));
+    __m128i const to64 = _mm_set_epi64x(0, static_cast<long long>(FoldTo64));
     sum = _mm_xor_si128(_mm_srli_si128(sum, 4), _mm_clmulepi64_si128(_mm_and_si128(sum, low32), to64, 0x00));
     __m128i const reduce =
-        _mm_set_epi64x(static_cast<long long>(barrett), static_cast<long long>(polynomial));
+        _mm_set_epi64x(static_cast<long long>(Barrett), static_cast<long long>(Polynomial));
     __m128i quotient = _mm_clmulepi64_si128(_mm_and_si128(sum, low32), reduce, 0x10);
     quotient = _mm_clmulepi64_si128(_mm_and_si128(quotient, low32), reduce, 0x00);
     auto const reg = static_cast<std::uint32_t>(_mm_extract_epi32(_mm_xor_si128(sum, quotient), 1));
@@ -107,7 +107,7 @@ QUARN_CLMUL inline __m128i FoldInStep(__m128i first, unsigned char const*& data,
     for (std::size_t i = 1; i < count; ++i) {
         sums[i] = Load(data + 16 * i);
     }
-    __m128i const byStride = Pair(foldByBlocks[count]);
+    __m128i const byStride = Pair(FoldByBlocks[count]);
     for (data += stride, n -= stride; n >= stride; n -= stride, data += stride) {
         for (std::size_t i = 0; i < count; ++i) {
             sums[i] = Fold(sums[i], Load(data + 16 * i), byStride);
@@ -116,7 +116,7 @@ QUARN_CLMUL inline __m128i FoldInStep(__m128i first, unsigned char const*& data,
     // Each straight to the place of the last one, so that no multiplication waits for another.
     __m128i sum = sums[count - 1];
     for (std::size_t i = 0; i + 1 < count; ++i) {
-        sum = Fold(sums[i], sum, Pair(foldByBlocks[count - 1 - i]));
+        sum = Fold(sums[i], sum, Pair(FoldByBlocks[count - 1 - i]));
     }
     return sum;
 }

@@ -12,7 +12,7 @@ namespace {
 
 using Tables = std::array<std::array<std::uint32_t, 256>, 8>;
 
-constexpr std::uint32_t reflectedPolynomial = 0xEDB88320;
+constexpr std::uint32_t ReflectedPolynomial = 0xEDB88320;
 
 // Table 0 is the standard reflected table; table k advances an entry of table 0 by k more zero bytes.
 constexpr Tables MakeTables()
@@ -21,7 +21,7 @@ constexpr Tables MakeTables()
     for (std::uint32_t i = 0; i < 256; ++i) {
         std::uint32_t reg = i;
         for (int bit = 0; bit < 8; ++bit) {
-            reg = (reg >> 1U) ^ ((reg & 1U) != 0 ? reflectedPolynomial : 0U);
+            reg = (reg >> 1U) ^ ((reg & 1U) != 0 ? ReflectedPolynomial : 0U);
         }
         tables[0][i] = reg;
     }
@@ -34,10 +34,10 @@ constexpr Tables MakeTables()
     return tables;
 }
 
-constexpr Tables g_tables = MakeTables();
+constexpr Tables ByteTables = MakeTables();
 
-static_assert(g_tables[0][1] == 0x77073096 && g_tables[0][128] == 0xEDB88320 &&
-              g_tables[0][255] == 0x2D02EF8D);
+static_assert(ByteTables[0][1] == 0x77073096 && ByteTables[0][128] == 0xEDB88320 &&
+              ByteTables[0][255] == 0x2D02EF8D);
 
 std::uint64_t LoadLittleEndian64(unsigned char const* p)
 {
@@ -64,7 +64,7 @@ std::uint32_t UpdateForTheFirstTime(std::uint32_t reg, unsigned char const* data
 
 std::uint32_t Crc32Step(std::uint32_t reg, unsigned char byte)
 {
-    return g_tables[0][(reg ^ byte) & 0xFFU] ^ (reg >> 8U);
+    return ByteTables[0][(reg ^ byte) & 0xFFU] ^ (reg >> 8U);
 }
 
 std::uint32_t Crc32Plain(std::uint32_t reg, unsigned char const* data, std::size_t n)
@@ -79,9 +79,10 @@ std::uint32_t Crc32Sliced(std::uint32_t reg, unsigned char const* data, std::siz
 {
     for (; n >= 8; n -= 8, data += 8) {
         std::uint64_t const word = LoadLittleEndian64(data) ^ reg;
-        reg = g_tables[7][word & 0xFFU] ^ g_tables[6][word >> 8U & 0xFFU] ^ g_tables[5][word >> 16U & 0xFFU] ^
-              g_tables[4][word >> 24U & 0xFFU] ^ g_tables[3][word >> 32U & 0xFFU] ^
-              g_tables[2][word >> 40U & 0xFFU] ^ g_tables[1][word >> 48U & 0xFFU] ^ g_tables[0][word >> 56U];
+        reg = ByteTables[7][word & 0xFFU] ^ ByteTables[6][word >> 8U & 0xFFU] ^
+              ByteTables[5][word >> 16U & 0xFFU] ^ ByteTables[4][word >> 24U & 0xFFU] ^
+              ByteTables[3][word >> 32U & 0xFFU] ^ ByteTables[2][word >> 40U & 0xFFU] ^
+              ByteTables[1][word >> 48U & 0xFFU] ^ ByteTables[0][word >> 56U];
     }
     return Crc32Plain(reg, data, n);
 }

@@ -13,9 +13,9 @@ namespace Quarn {
 
 namespace {
 
-constexpr std::uint32_t g_stackText = 1024;        // shorter texts need no buffer on the heap
-constexpr std::uint32_t g_trustedBody = 64 * 1024; // longer bodies are not believed
-constexpr std::uint32_t g_piece = 32 * 1024;
+constexpr std::uint32_t StackText = 1024;        // shorter texts need no buffer on the heap
+constexpr std::uint32_t TrustedBody = 64 * 1024; // longer bodies are not believed
+constexpr std::uint32_t PieceSize = 32 * 1024;
 
 std::size_t TextLength(char const* text, std::size_t count)
 {
@@ -145,8 +145,8 @@ void istream::GetText(std::string& text)
         auto const expanded = std::make_unique_for_overwrite<char[]>(length);
         Expand(stored, reinterpret_cast<unsigned char*>(expanded.get()), length);
         text.assign(expanded.get(), TextLength(expanded.get(), length));
-    } else if (length < g_stackText) {
-        char body[g_stackText];
+    } else if (length < StackText) {
+        char body[StackText];
         input(reinterpret_cast<unsigned char*>(body), length);
         text.assign(body, TextLength(body, length));
     } else {
@@ -158,14 +158,14 @@ void istream::GetText(std::string& text)
 
 std::string istream::GetBody(std::uint32_t n)
 {
-    if (n <= g_trustedBody) {
+    if (n <= TrustedBody) {
         std::string body(n, '\0');
         input(reinterpret_cast<unsigned char*>(body.data()), n);
         return body;
     }
     std::vector<std::unique_ptr<char[]>> pieces;
     for (std::uint32_t left = n; left != 0;) {
-        std::uint32_t const count = std::min(left, g_piece);
+        std::uint32_t const count = std::min(left, PieceSize);
         pieces.push_back(std::make_unique_for_overwrite<char[]>(count));
         input(reinterpret_cast<unsigned char*>(pieces.back().get()), count);
         left -= count;
@@ -173,7 +173,7 @@ std::string istream::GetBody(std::uint32_t n)
     std::string body;
     body.reserve(n);
     for (std::unique_ptr<char[]>& piece : pieces) {
-        body.append(piece.get(), std::min<std::size_t>(g_piece, n - body.size()));
+        body.append(piece.get(), std::min<std::size_t>(PieceSize, n - body.size()));
         piece.reset();
     }
     return body;

@@ -17,8 +17,8 @@ namespace {
 
 using Word = std::uint64_t;
 
-constexpr Word ones = 0x0101010101010101;
-constexpr Word highBits = 0x80 * ones;
+constexpr Word Ones = 0x0101010101010101;
+constexpr Word HighBits = 0x80 * Ones;
 
 template<typename T>
 Word Load(char const* bytes)
@@ -46,9 +46,9 @@ Word LoadWord(char const* bytes, std::size_t count)
 // LowerAscii on each byte of a word without high bits: an upper-case letter gets its bit 0x20.
 Word LowerWord(Word word)
 {
-    Word const atLeastA = word + (0x80 - 'A') * ones;
-    Word const aboveZ = word + (0x7f - 'Z') * ones;
-    return word | (((atLeastA ^ aboveZ) & highBits) >> 2);
+    Word const atLeastA = word + (0x80 - 'A') * Ones;
+    Word const aboveZ = word + (0x7f - 'Z') * Ones;
+    return word | (((atLeastA ^ aboveZ) & HighBits) >> 2);
 }
 
 enum class Comparison
@@ -63,7 +63,7 @@ Comparison CompareAscii(std::string_view a, std::string_view b)
     for (std::size_t i = 0, size = std::min(a.size(), b.size()); i < size; i += sizeof(Word)) {
         Word const wordA = LoadWord(a.data() + i, a.size() - i);
         Word const wordB = LoadWord(b.data() + i, b.size() - i);
-        if (((wordA | wordB) & highBits) != 0) {
+        if (((wordA | wordB) & HighBits) != 0) {
             return Comparison::Undecided;
         }
         if (LowerWord(wordA) != LowerWord(wordB)) {
@@ -150,7 +150,7 @@ NameHash HashName(std::string_view name) noexcept
     Word hash = HashSeed();
     for (std::size_t i = 0; i < name.size(); i += sizeof(Word)) {
         Word const word = LoadWord(name.data() + i, name.size() - i);
-        if ((word & highBits) != 0) {
+        if ((word & HighBits) != 0) {
             hash = HashSeed();
             for (FoldedReader reader(name); !reader.AtEnd();) {
                 hash = Mix(hash, reader.Next());

@@ -6,20 +6,20 @@
 
 namespace {
 
-constexpr DWORD g_strict = MB_ERR_INVALID_CHARS;
+constexpr DWORD Strict = MB_ERR_INVALID_CHARS;
 
 TEST(SeamConversion, ToWideCountsAndFills)
 {
     WCHAR wide[4] = {'#', '#', '#', '#'};
-    EXPECT_EQ(::MultiByteToWideChar(CP_ACP, g_strict, "abc", -1, nullptr, 0), 4);
-    EXPECT_EQ(::MultiByteToWideChar(CP_ACP, g_strict, "abc", 3, nullptr, 0), 3);
-    EXPECT_EQ(::MultiByteToWideChar(CP_ACP, g_strict, "abc", 3, wide, 3), 3);
+    EXPECT_EQ(::MultiByteToWideChar(CP_ACP, Strict, "abc", -1, nullptr, 0), 4);
+    EXPECT_EQ(::MultiByteToWideChar(CP_ACP, Strict, "abc", 3, nullptr, 0), 3);
+    EXPECT_EQ(::MultiByteToWideChar(CP_ACP, Strict, "abc", 3, wide, 3), 3);
     EXPECT_EQ(wide[0], 'a');
     EXPECT_EQ(wide[2], 'c');
     EXPECT_EQ(wide[3], '#');
-    EXPECT_EQ(::MultiByteToWideChar(CP_ACP, g_strict, "abc", -1, wide, 4), 4);
+    EXPECT_EQ(::MultiByteToWideChar(CP_ACP, Strict, "abc", -1, wide, 4), 4);
     EXPECT_EQ(wide[3], 0);
-    EXPECT_EQ(::MultiByteToWideChar(CP_ACP, g_strict, "a\0c", 3, wide, 4), 3);
+    EXPECT_EQ(::MultiByteToWideChar(CP_ACP, Strict, "a\0c", 3, wide, 4), 3);
     EXPECT_EQ(wide[1], 0);
     EXPECT_EQ(wide[2], 'c');
 }

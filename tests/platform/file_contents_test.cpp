@@ -7,11 +7,11 @@
 
 namespace {
 
-constexpr DWORD g_shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+constexpr DWORD ShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
 HANDLE Open(std::string const& path, DWORD access, DWORD disposition, DWORD flags = FILE_ATTRIBUTE_NORMAL)
 {
-    return ::CreateFileA(path.c_str(), access, g_shareAll, nullptr, disposition, flags, nullptr);
+    return ::CreateFileA(path.c_str(), access, ShareAll, nullptr, disposition, flags, nullptr);
 }
 
 // Fails to open; the code that says why.

@@ -9,14 +9,14 @@
 namespace {
 
 #if defined(_WIN32)
-constexpr char g_separator = '\\';
+constexpr char Separator = '\\';
 #else
-constexpr char g_separator = '/';
+constexpr char Separator = '/';
 #endif
 
 std::string Native(std::string path)
 {
-    std::replace(path.begin(), path.end(), '/', g_separator);
+    std::replace(path.begin(), path.end(), '/', Separator);
     return path;
 }
 

@@ -8,13 +8,13 @@
 
 namespace {
 
-constexpr SECURITY_INFORMATION g_list = DACL_SECURITY_INFORMATION;
-constexpr SECURITY_INFORMATION g_all = OWNER_SECURITY_INFORMATION | GROUP_SECURITY_INFORMATION | g_list;
+constexpr SECURITY_INFORMATION List = DACL_SECURITY_INFORMATION;
+constexpr SECURITY_INFORMATION All = OWNER_SECURITY_INFORMATION | GROUP_SECURITY_INFORMATION | List;
 
 DWORD SizeOf(std::string const& path)
 {
     DWORD needed = 0;
-    EXPECT_EQ(ErrorOf([&] { EXPECT_FALSE(::GetFileSecurityA(path.c_str(), g_all, nullptr, 0, &needed)); }),
+    EXPECT_EQ(ErrorOf([&] { EXPECT_FALSE(::GetFileSecurityA(path.c_str(), All, nullptr, 0, &needed)); }),
               ERROR_INSUFFICIENT_BUFFER);
     return needed;
 }
@@ -27,9 +27,9 @@ TEST(SeamPermissions, TheDescriptorNegotiatesItsSize)
     ASSERT_GT(size, 0U);
     std::vector<std::max_align_t> descriptor(size / sizeof(std::max_align_t) + 1);
     DWORD needed = 0;
-    EXPECT_FALSE(::GetFileSecurityA(path.c_str(), g_all, descriptor.data(), size - 1, &needed));
+    EXPECT_FALSE(::GetFileSecurityA(path.c_str(), All, descriptor.data(), size - 1, &needed));
     EXPECT_EQ(needed, size);
-    EXPECT_TRUE(::GetFileSecurityA(path.c_str(), g_all, descriptor.data(), size, &needed));
+    EXPECT_TRUE(::GetFileSecurityA(path.c_str(), All, descriptor.data(), size, &needed));
     EXPECT_EQ(needed, size);
 }
 
@@ -40,11 +40,11 @@ TEST(SeamPermissions, TheDescriptorGoesToAnotherFile)
     std::string const to = folder.Make("b");
     DWORD size = SizeOf(from);
     std::vector<std::max_align_t> descriptor(size / sizeof(std::max_align_t) + 1);
-    ASSERT_TRUE(::GetFileSecurityA(from.c_str(), g_all, descriptor.data(), size, &size));
-    EXPECT_TRUE(::SetFileSecurityA(to.c_str(), g_list, descriptor.data()));
+    ASSERT_TRUE(::GetFileSecurityA(from.c_str(), All, descriptor.data(), size, &size));
+    EXPECT_TRUE(::SetFileSecurityA(to.c_str(), List, descriptor.data()));
     EXPECT_EQ(ContentOf(to), "content");
     EXPECT_EQ(ErrorOf([&] {
-                  EXPECT_FALSE(::SetFileSecurityA((folder / "none").c_str(), g_list, descriptor.data()));
+                  EXPECT_FALSE(::SetFileSecurityA((folder / "none").c_str(), List, descriptor.data()));
               }),
               ERROR_FILE_NOT_FOUND);
 }
@@ -58,11 +58,11 @@ TEST(SeamPermissions, MissingFilesAndForeignDescriptorsAreRefused)
     auto const size = static_cast<DWORD>(junk.size() * sizeof(std::max_align_t));
     EXPECT_EQ(ErrorOf([&] {
                   EXPECT_FALSE(
-                      ::GetFileSecurityA((folder / "none").c_str(), g_list, junk.data(), size, &needed));
+                      ::GetFileSecurityA((folder / "none").c_str(), List, junk.data(), size, &needed));
               }),
               ERROR_FILE_NOT_FOUND);
-    EXPECT_FALSE(::SetFileSecurityA(path.c_str(), g_list, nullptr));
-    EXPECT_FALSE(::SetFileSecurityA(path.c_str(), g_list, junk.data()));
+    EXPECT_FALSE(::SetFileSecurityA(path.c_str(), List, nullptr));
+    EXPECT_FALSE(::SetFileSecurityA(path.c_str(), List, junk.data()));
 }
 
 } // namespace

@@ -165,14 +165,14 @@ Quarn::string DeepPath(int levels)
 }
 
 #if defined(__SANITIZE_ADDRESS__) // whose frames are larger, and whose runs are slower
-constexpr int g_deep = 250000;
+constexpr int DeepLevel = 250000;
 #else
-constexpr int g_deep = 1000000;
+constexpr int DeepLevel = 1000000;
 #endif
 
 TEST(DeepTree, IsMadeAndFreedWithoutADeepStack)
 {
-    Quarn::string const path = DeepPath(g_deep);
+    Quarn::string const path = DeepPath(DeepLevel);
     PropertyCollection root;
     PropertyKey* const end = root.AddSubKey(path.c_str());
     EXPECT_EQ(root.GetSubKey(path.c_str()), end);

@@ -13,7 +13,7 @@ std::string InKey(std::string const& content)
     return "<Quarn_Properties><Key Name='Root'>" + content + "</Key></Quarn_Properties>";
 }
 
-std::string const kValue = "<Value Name='a' Type='string'>text</Value>";
+std::string const ValueElement = "<Value Name='a' Type='string'>text</Value>";
 
 std::string Utf16(std::string const& ascii)
 {
@@ -27,14 +27,14 @@ std::string Utf16(std::string const& ascii)
 
 } // namespace
 
-std::vector<std::string> const kGood = {
+std::vector<std::string> const GoodDocuments = {
     InKey(""),
-    InKey(kValue),
-    "\xEF\xBB\xBF" + InKey(kValue),
-    Utf16(InKey(kValue)),
+    InKey(ValueElement),
+    "\xEF\xBB\xBF" + InKey(ValueElement),
+    Utf16(InKey(ValueElement)),
     "<?xml version='1.0' encoding='ISO-8859-1'?>" + InKey("<Value Name='\xE9' Type='string'>\xFC</Value>"),
-    "<?xml version='1.0' encoding='UTF-8' standalone='yes'?>\n" + InKey(kValue) + "\n \n",
-    InKey(" text is skipped " + kValue + " &amp; &#65; "),
+    "<?xml version='1.0' encoding='UTF-8' standalone='yes'?>\n" + InKey(ValueElement) + "\n \n",
+    InKey(" text is skipped " + ValueElement + " &amp; &#65; "),
     // Empty elements and texts, and an empty name.
     "<r><Key Name=''/></r>",
     InKey("<Value Name='' Type='string'/><Value Name='' Type='string'></Value>"),
@@ -53,41 +53,42 @@ std::vector<std::string> const kGood = {
     // Other elements are skipped with all in them.
     InKey("<Comment Name='c'><Value Name='no' Type='string'>no</Value><!-- "
           "--><?p?><![CDATA[x]]><z/></Comment>" +
-          kValue),
+          ValueElement),
     InKey("<value Name='no' Type='string'>no</value><key Name='no'/>"),
     // The root's first element is the key, whatever its name; what follows does not count.
-    "<r><Other Name='n'>" + kValue + "</Other></r>",
+    "<r><Other Name='n'>" + ValueElement + "</Other></r>",
     "<r> text <Key Name='n'/><Key Name='no'/><!-- --><?p?><![CDATA[ ]]><x/> text</r>",
     // Key names are paths.
     InKey("<Key Name='a\\b/c;d,e'><Value Name='v' Type='int32'>1</Value></Key>"),
-    InKey("<Key Name='\\a'/><Key Name='b\\'/><Key Name='/'/><Key Name=''>" + kValue + "</Key>"),
+    InKey("<Key Name='\\a'/><Key Name='b\\'/><Key Name='/'/><Key Name=''>" + ValueElement + "</Key>"),
     // Merging without case.
-    InKey("<Key Name='K'>" + kValue + "</Key><Key Name='k'><Value Name='A' Type='int32'>2</Value></Key>"),
+    InKey("<Key Name='K'>" + ValueElement +
+          "</Key><Key Name='k'><Value Name='A' Type='int32'>2</Value></Key>"),
     // Names with colons and declarations of namespaces are plain names.
-    "<a:b xmlns:c='d'><Key Name='n' c:x='1' xmlns='e'>" + kValue + "</Key></a:b>",
+    "<a:b xmlns:c='d'><Key Name='n' c:x='1' xmlns='e'>" + ValueElement + "</Key></a:b>",
     "<r xsi:schemaLocation='a b' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance'><Key Name='n'/></r>",
     "<?xml version='1.1'?><r><Key Name='n'><Value Name='v' Type='string'>&#1;</Value></Key></r>",
 };
 
-std::vector<std::string> const kPartial = {
-    InKey(kValue + "<Value Name='b'>no type</Value><Value Name='c' Type='string'/>"),
-    InKey(kValue + "<Value Type='string'>no name</Value><Value Name='c' Type='string'/>"),
-    InKey(kValue + "<Value/>" + kValue),
-    InKey(kValue + "<Comment>no name</Comment><Value Name='c' Type='string'/>"),
-    InKey(kValue + "<Key>" + kValue + "</Key><Value Name='c' Type='string'/>"),
-    InKey(kValue + "<!-- comment --><Value Name='c' Type='string'/>"),
-    InKey(kValue + "<?target data?><Value Name='c' Type='string'/>"),
-    InKey(kValue + "<![CDATA[ ]]><Value Name='c' Type='string'/>"),
-    InKey(kValue + "<![CDATA[]]><Value Name='c' Type='string'/>"),
+std::vector<std::string> const PartialDocuments = {
+    InKey(ValueElement + "<Value Name='b'>no type</Value><Value Name='c' Type='string'/>"),
+    InKey(ValueElement + "<Value Type='string'>no name</Value><Value Name='c' Type='string'/>"),
+    InKey(ValueElement + "<Value/>" + ValueElement),
+    InKey(ValueElement + "<Comment>no name</Comment><Value Name='c' Type='string'/>"),
+    InKey(ValueElement + "<Key>" + ValueElement + "</Key><Value Name='c' Type='string'/>"),
+    InKey(ValueElement + "<!-- comment --><Value Name='c' Type='string'/>"),
+    InKey(ValueElement + "<?target data?><Value Name='c' Type='string'/>"),
+    InKey(ValueElement + "<![CDATA[ ]]><Value Name='c' Type='string'/>"),
+    InKey(ValueElement + "<![CDATA[]]><Value Name='c' Type='string'/>"),
     // The end of an inner key's reading is the end of all.
-    InKey("<Key Name='k'>" + kValue + "<Key Name='l'><x/></Key></Key><Value Name='c' Type='string'/>"),
+    InKey("<Key Name='k'>" + ValueElement + "<Key Name='l'><x/></Key></Key><Value Name='c' Type='string'/>"),
     InKey("<Key Name='a\\b'><!-- --></Key><Key Name='c'/>"),
     // A lower-case attribute is another one.
     InKey("<Value name='a' Type='string'/>"),
     InKey("<Value Name='a' type='string'/>"),
 };
 
-std::vector<std::string> const kNoKey = {
+std::vector<std::string> const KeylessDocuments = {
     "<r/>",
     "<r></r>",
     "<r> text </r>",
@@ -99,7 +100,7 @@ std::vector<std::string> const kNoKey = {
     "<r><![CDATA[]]><Key Name='n'/></r>",
 };
 
-std::vector<std::string> const kRefused = {
+std::vector<std::string> const RefusedDocuments = {
     "",
     " ",
     "\0"s,
@@ -108,17 +109,17 @@ std::vector<std::string> const kRefused = {
     "<",
     "<r>",
     "<?xml version='1.0'?>",
-    "<!-- comment -->" + InKey(kValue),
-    InKey(kValue) + "<!-- comment -->",
-    "<?p?>" + InKey(kValue),
-    InKey(kValue) + "<?p?>",
-    " <?xml version='1.0'?>" + InKey(kValue),
-    "<!DOCTYPE Quarn_Properties>" + InKey(kValue),
+    "<!-- comment -->" + InKey(ValueElement),
+    InKey(ValueElement) + "<!-- comment -->",
+    "<?p?>" + InKey(ValueElement),
+    InKey(ValueElement) + "<?p?>",
+    " <?xml version='1.0'?>" + InKey(ValueElement),
+    "<!DOCTYPE Quarn_Properties>" + InKey(ValueElement),
     "<!DOCTYPE r [<!ENTITY e 'x'>]><r><Key Name='n'/></r>",
     "<!DOCTYPE r SYSTEM 'missing.dtd'><r><Key Name='n'/></r>",
-    InKey(kValue) + "<!DOCTYPE r>",
-    InKey(kValue) + InKey(kValue),
-    InKey(kValue) + "x",
+    InKey(ValueElement) + "<!DOCTYPE r>",
+    InKey(ValueElement) + InKey(ValueElement),
+    InKey(ValueElement) + "x",
     InKey("&unknown;"),
     InKey("<Value Name='a' Type='string'>&unknown;</Value>"),
     InKey("<Value Name='a' Name='b' Type='string'/>"),
@@ -138,39 +139,39 @@ std::vector<std::string> const kRefused = {
     InKey("<Value Name='a' Type='string'><?xml no?></Value>"),
     InKey("<x></y>"),
     "<r><Key Name='n'><x/></Key>",
-    "<?xml version='1.0' encoding='nonsense'?>" + InKey(kValue),
-    "<?xml version='9.0'?>" + InKey(kValue),
-    "<?xml version='1.2'?>" + InKey(kValue),
-    Utf16(InKey(kValue)).substr(0, 41),
-    "\xFE\xFF" + InKey(kValue),
+    "<?xml version='1.0' encoding='nonsense'?>" + InKey(ValueElement),
+    "<?xml version='9.0'?>" + InKey(ValueElement),
+    "<?xml version='1.2'?>" + InKey(ValueElement),
+    Utf16(InKey(ValueElement)).substr(0, 41),
+    "\xFE\xFF" + InKey(ValueElement),
 };
 
 std::string Generator::Text()
 {
-    static std::vector<std::string> const kTexts = {
+    static std::vector<std::string> const Texts = {
         "",     " ",     "\n  ",    "text",       "a b",    "0aff", "-17",    "&amp;",           "&lt;&gt;",
         "\r\n", "&#13;", "&#xA;\t", "]]",         "\r",     "12x",  "&quot;", "<![CDATA[<>&]]>", "\xC3\xA9",
         "'",    "\"",    "&#xE9;",  "x<!--y-->z", "<?p q?>"};
     std::string text;
     for (std::size_t i = Below(4); i > 0; --i) {
-        text += OneOf(kTexts);
+        text += OneOf(Texts);
     }
     return text;
 }
 
 std::string Generator::Attributes(std::string const& element)
 {
-    static std::vector<std::string> const kNames = {"",     "a",     "A",     "b",       "c d",
-                                                    "a\\b", "B/c",   ";x",    "y,",      "a:b",
-                                                    "=1",   "&amp;", "&#10;", "default", "DefaultValue"};
-    static std::vector<std::string> const kTypes = {"string",  "string", "binary", "int32",
-                                                    "unknown", "String", ""};
+    static std::vector<std::string> const Names = {"",     "a",     "A",     "b",       "c d",
+                                                   "a\\b", "B/c",   ";x",    "y,",      "a:b",
+                                                   "=1",   "&amp;", "&#10;", "default", "DefaultValue"};
+    static std::vector<std::string> const Types = {"string",  "string", "binary", "int32",
+                                                   "unknown", "String", ""};
     std::string text;
     if (!OneIn(40)) {
-        text += " Name='" + OneOf(kNames) + "'";
+        text += " Name='" + OneOf(Names) + "'";
     }
     if (element == "Value" ? !OneIn(40) : OneIn(20)) {
-        std::string const type = " Type=\"" + OneOf(kTypes) + "\"";
+        std::string const type = " Type=\"" + OneOf(Types) + "\"";
         text = OneIn(3) ? type + text : text + "\n" + type;
     }
     if (OneIn(20)) {
@@ -192,7 +193,7 @@ std::string Generator::Element(std::string const& element, int depth)
 
 std::string Generator::Content(int depth, bool inValue)
 {
-    static std::vector<std::string> const kElements = {"Value", "Value", "Value", "Key", "Key", "Comment"};
+    static std::vector<std::string> const Elements = {"Value", "Value", "Value", "Key", "Key", "Comment"};
     std::string text;
     for (std::size_t i = Below(5); i > 0 && depth > 0; --i) {
         if (OneIn(3)) {
@@ -202,7 +203,7 @@ std::string Generator::Content(int depth, bool inValue)
             text +=
                 OneOf(std::vector<std::string>{"<!-- c -->", "<?p d?>", "<![CDATA[ c ]]>", "<![CDATA[]]>"});
         }
-        text += Element(OneOf(kElements), depth);
+        text += Element(OneOf(Elements), depth);
     }
     return text;
 }

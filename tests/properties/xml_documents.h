@@ -9,13 +9,13 @@
 namespace documents {
 
 // Loaded to the end.
-extern std::vector<std::string> const kGood;
+extern std::vector<std::string> const GoodDocuments;
 // Well-formed; reading stops on the way.
-extern std::vector<std::string> const kPartial;
+extern std::vector<std::string> const PartialDocuments;
 // Well-formed, without a key in the root.
-extern std::vector<std::string> const kNoKey;
+extern std::vector<std::string> const KeylessDocuments;
 // Not to be loaded at all.
-extern std::vector<std::string> const kRefused;
+extern std::vector<std::string> const RefusedDocuments;
 
 // Random documents, most of them well-formed, with all that makes a difference to the reading.
 class Generator

@@ -14,7 +14,7 @@ using Quarn::PropertyCollection;
 using Quarn::PropertyData;
 using Quarn::Win32::XMLPropPersist;
 
-std::string const kBody = "<d><Key Name='n'><Value Name='a' Type='string'>text</Value></Key></d>";
+std::string const Body = "<d><Key Name='n'><Value Name='a' Type='string'>text</Value></Key></d>";
 
 PropertyCollection Before()
 {
@@ -55,8 +55,8 @@ TEST(XmlHostile, EveryDocumentTypeIsRefused)
 {
     for (std::string const type : {"d", "d []", "d SYSTEM 'x.dtd'", "d PUBLIC 'p' 'x.dtd'",
                                    "d [<!ENTITY e 'x'>]", "d [<!ELEMENT d ANY>]", "other"}) {
-        ExpectDocumentRefused("<!DOCTYPE " + type + ">" + kBody);
-        ExpectDocumentRefused("<?xml version='1.0'?>\n<!DOCTYPE " + type + ">\n" + kBody);
+        ExpectDocumentRefused("<!DOCTYPE " + type + ">" + Body);
+        ExpectDocumentRefused("<?xml version='1.0'?>\n<!DOCTYPE " + type + ">\n" + Body);
     }
 }
 
@@ -177,7 +177,7 @@ TEST(XmlHostile, NamesAndFilesBeyondTheBoundsAreRefused)
 {
     ExpectDocumentRefused("<d><Key Name='" + std::string((std::size_t{16} << 20) + 1, 'x') + "'/></d>");
     ScratchFolder const scratch;
-    WriteContent(scratch / "settings.xml", kBody);
+    WriteContent(scratch / "settings.xml", Body);
     // Sparse where the file system can do it.
     std::filesystem::resize_file(std::string(scratch / "settings.xml"), (std::uintmax_t{256} << 20) + 1);
     ExpectRefused(scratch / "settings.xml");
@@ -201,14 +201,14 @@ TEST(XmlHostile, WrongEncodingsAreRefusedAndRightOnesRead)
 {
     std::string utf16le = "\xFF\xFE";
     std::string utf16be = "\xFE\xFF";
-    for (char const c : kBody) {
+    for (char const c : Body) {
         utf16le += std::string(1, c) + '\0';
         utf16be += '\0' + std::string(1, c);
     }
     for (std::string const& document :
-         {kBody, "\xEF\xBB\xBF" + kBody, utf16le, utf16be, "<?xml version='1.0' encoding='UTF-8'?>" + kBody,
-          "<?xml version='1.0' encoding='ISO-8859-1'?>" + kBody,
-          "<?xml version='1.0' encoding='US-ASCII'?>" + kBody}) {
+         {Body, "\xEF\xBB\xBF" + Body, utf16le, utf16be, "<?xml version='1.0' encoding='UTF-8'?>" + Body,
+          "<?xml version='1.0' encoding='ISO-8859-1'?>" + Body,
+          "<?xml version='1.0' encoding='US-ASCII'?>" + Body}) {
         ScratchFolder const scratch;
         WriteContent(scratch / "settings.xml", document);
         PropertyCollection collection;
@@ -216,10 +216,10 @@ TEST(XmlHostile, WrongEncodingsAreRefusedAndRightOnesRead)
         EXPECT_EQ(collection.GetValueString("a", ""), "text");
     }
     for (std::string const& document : {
-             "<?xml version='1.0' encoding='no-such-encoding'?>" + kBody,
-             "<?xml version='1.0' encoding=''?>" + kBody,
-             "\xFF\xFE" + kBody,
-             "\xFE\xFF" + kBody,
+             "<?xml version='1.0' encoding='no-such-encoding'?>" + Body,
+             "<?xml version='1.0' encoding=''?>" + Body,
+             "\xFF\xFE" + Body,
+             "\xFE\xFF" + Body,
              utf16le.substr(0, utf16le.size() - 1),
              utf16le + std::string(4, '\0'),
              utf16be + std::string(4, '\0'),
@@ -227,7 +227,7 @@ TEST(XmlHostile, WrongEncodingsAreRefusedAndRightOnesRead)
              std::string("<d><Key Name='\xC0\xAF'/></d>"),
              std::string("<d><Key Name='\xED\xA0\x80'/></d>"),
              std::string("<d><Key Name='\xF4\x90\x80\x80'/></d>"),
-             "\xEF\xBB" + kBody,
+             "\xEF\xBB" + Body,
          }) {
         ExpectDocumentRefused(document);
     }
@@ -240,10 +240,10 @@ TEST(XmlHostile, EmptyAndZeroFilesAndFoldersAreRefused)
     ExpectDocumentRefused("\xEF\xBB\xBF");
     ExpectDocumentRefused(std::string(1, '\0'));
     ExpectDocumentRefused(std::string(100000, '\0'));
-    ExpectDocumentRefused(kBody + std::string(10, '\0'));
+    ExpectDocumentRefused(Body + std::string(10, '\0'));
     // The parser alone would stop at the zero byte and be content.
-    ExpectDocumentRefused(kBody + '\0' + "garbage");
-    ExpectDocumentRefused(kBody + kBody);
+    ExpectDocumentRefused(Body + '\0' + "garbage");
+    ExpectDocumentRefused(Body + Body);
     ScratchFolder const scratch;
     ExpectRefused(Quarn::string(scratch.Path()));
 }

@@ -17,12 +17,12 @@ using Quarn::Win32::XMLPropPersist;
 
 namespace {
 
-constexpr std::size_t kSize = 20000;
+constexpr std::size_t DocumentSize = 20000;
 
 bool Save(Quarn::string const& path, char digit)
 {
     PropertyCollection collection("Root", "Quarn_Properties");
-    collection.SetValue("text", PropertyData(Quarn::string(kSize, digit)), true);
+    collection.SetValue("text", PropertyData(Quarn::string(DocumentSize, digit)), true);
     return XMLPropPersist(path).Persist(&collection);
 }
 
@@ -32,7 +32,7 @@ void ExpectWhole(Quarn::string const& path)
     PropertyCollection collection;
     ASSERT_TRUE(XMLPropPersist(path).Populate(&collection));
     std::string const text = collection.GetValueString("text", "?");
-    EXPECT_EQ(text, std::string(kSize, text[0]));
+    EXPECT_EQ(text, std::string(DocumentSize, text[0]));
 }
 
 TEST(XmlProcesses, SaversAndReadersSeeWholeDocuments)
@@ -96,7 +96,7 @@ int RunChildCommand(int count, char** arguments)
                 return 1;
             }
             std::string const text = collection.GetValueString("text", "?");
-            if (text != std::string(kSize, text[0])) {
+            if (text != std::string(DocumentSize, text[0])) {
                 return 2;
             }
         }

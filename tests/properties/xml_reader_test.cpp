@@ -59,16 +59,16 @@ ReadResult Compare(std::string const& document)
 
 TEST_F(XmlReader, GivesTheResultOfTheWalkForEveryListedDocument)
 {
-    for (std::string const& document : documents::kGood) {
+    for (std::string const& document : documents::GoodDocuments) {
         EXPECT_EQ(Compare(document), ReadResult::Whole) << document;
     }
-    for (std::string const& document : documents::kPartial) {
+    for (std::string const& document : documents::PartialDocuments) {
         EXPECT_EQ(Compare(document), ReadResult::Partial) << document;
     }
-    for (std::string const& document : documents::kNoKey) {
+    for (std::string const& document : documents::KeylessDocuments) {
         EXPECT_EQ(Compare(document), ReadResult::NoKey) << document;
     }
-    for (std::string const& document : documents::kRefused) {
+    for (std::string const& document : documents::RefusedDocuments) {
         EXPECT_EQ(Compare(document), ReadResult::Refused) << document;
     }
 }

@@ -16,7 +16,7 @@
 
 namespace {
 
-std::string const g_body = std::string(30, 'a') + std::string(10, 'b');
+std::string const BodyText = std::string(30, 'a') + std::string(10, 'b');
 
 Bytes Ramp()
 {
@@ -41,7 +41,7 @@ TEST(CompressedBlock, WritesAndReadsTheGoldenFile)
     RunLengthCompressor compressor(40);
     FakeOutput out;
     out.SetCompressor(&compressor);
-    EXPECT_EQ(&out.write(g_body.data(), 40), &out);
+    EXPECT_EQ(&out.write(BodyText.data(), 40), &out);
     EXPECT_EQ(out.Taken(), Golden("compressed_block.bin"));
     EXPECT_EQ(compressor.released, 1);
 
@@ -49,7 +49,7 @@ TEST(CompressedBlock, WritesAndReadsTheGoldenFile)
     in.SetCompressor(&compressor);
     std::string body(40, '\0');
     EXPECT_EQ(&in.read(body.data(), 40), &in);
-    EXPECT_EQ(body, g_body);
+    EXPECT_EQ(body, BodyText);
     EXPECT_EQ(in.Left(), 0U);
     EXPECT_EQ(compressor.released, 2);
 }
@@ -59,14 +59,14 @@ TEST(CompressedBlock, HoldsTheBodyOfAString)
     RunLengthCompressor compressor(40);
     FakeOutput out;
     out.SetCompressor(&compressor);
-    out << g_body;
+    out << BodyText;
     EXPECT_EQ(out.Taken(), Golden("compressed_string.bin"));
 
     FakeInput in(Golden("compressed_string.bin"));
     in.SetCompressor(&compressor);
     Quarn::string text;
     in >> text;
-    EXPECT_EQ(text, g_body);
+    EXPECT_EQ(text, BodyText);
     EXPECT_EQ(compressor.released, 2);
 }
 
@@ -75,14 +75,14 @@ TEST(CompressedBlock, BelowTheMinimumIsStoredAsItIs)
     RunLengthCompressor compressor(41);
     FakeOutput out;
     out.SetCompressor(&compressor);
-    out.write(g_body.data(), 40);
-    EXPECT_EQ(out.Taken(), Bytes(g_body.begin(), g_body.end()));
+    out.write(BodyText.data(), 40);
+    EXPECT_EQ(out.Taken(), Bytes(BodyText.begin(), BodyText.end()));
     EXPECT_EQ(out.Calls(), (std::vector<std::size_t>{40}));
     FakeInput in(out.Taken());
     in.SetCompressor(&compressor);
     std::string body(40, '\0');
     in.read(body.data(), 40);
-    EXPECT_EQ(body, g_body);
+    EXPECT_EQ(body, BodyText);
     EXPECT_EQ(compressor.compressed + compressor.decompressed + compressor.released, 0);
 }
 
@@ -121,8 +121,8 @@ TEST(CompressedBlock, IsNeverWrittenInDumpMode)
     RunLengthCompressor compressor(0);
     FakeOutput out(true);
     out.SetCompressor(&compressor);
-    out.write(g_body.data(), 40);
-    out << g_body;
+    out.write(BodyText.data(), 40);
+    out << BodyText;
     EXPECT_EQ(out.Taken().size(), 80U);
     EXPECT_EQ(compressor.compressed, 0);
 }
@@ -164,7 +164,7 @@ TEST(CompressedBlock, UnequalMinimumSizesMisreadInADefinedWay)
     RunLengthCompressor small(0);
     FakeOutput plain;
     plain.SetCompressor(&large);
-    plain << g_body;
+    plain << BodyText;
     FakeInput asCompressed(plain.Taken());
     asCompressed.SetCompressor(&small);
     Quarn::string text;
@@ -173,7 +173,7 @@ TEST(CompressedBlock, UnequalMinimumSizesMisreadInADefinedWay)
     // Written compressed, read as plain: not enough bytes.
     FakeOutput compressed;
     compressed.SetCompressor(&small);
-    compressed << g_body;
+    compressed << BodyText;
     FakeInput asPlain(compressed.Taken());
     asPlain.SetCompressor(&large);
     EXPECT_EQ(ThrownText([&] { asPlain >> text; }), "Generic Read");
@@ -220,13 +220,13 @@ TEST(CompressedBlock, ReleasesItsBufferWhereTheWriteFails)
         RunLengthCompressor compressor(0);
         FakeOutput out(false, room);
         out.SetCompressor(&compressor);
-        EXPECT_EQ(ThrownText([&] { out.write(g_body.data(), 40); }), "Generic Write") << room;
+        EXPECT_EQ(ThrownText([&] { out.write(BodyText.data(), 40); }), "Generic Write") << room;
         EXPECT_EQ(compressor.released, 1) << room;
     }
     FailingCompressor failing;
     FakeOutput out;
     out.SetCompressor(&failing);
-    EXPECT_EQ(ThrownText([&] { out.write(g_body.data(), 40); }), "Memory Allocation");
+    EXPECT_EQ(ThrownText([&] { out.write(BodyText.data(), 40); }), "Memory Allocation");
     EXPECT_EQ(failing.released, 1);
     EXPECT_TRUE(out.Taken().empty());
 }
@@ -237,7 +237,7 @@ TEST(CompressedBlock, LeavesWhenTheCompressorIsTakenAway)
     FakeOutput out;
     out.SetCompressor(&compressor);
     out.SetCompressor(nullptr);
-    out.write(g_body.data(), 40);
+    out.write(BodyText.data(), 40);
     EXPECT_EQ(out.Taken().size(), 40U);
 }
 
@@ -246,7 +246,7 @@ TEST(CompressedBlock, AMemoryStreamHasACompressorPerSide)
     RunLengthCompressor compressor(0);
     Quarn::memorystream stream(64);
     stream.SetOutputCompressor(&compressor);
-    stream.write(g_body.data(), 40);
+    stream.write(BodyText.data(), 40);
     EXPECT_EQ(stream.tellp(), std::streampos(12));
     stream.seekg(0, 0);
     unsigned int size = 0;
@@ -256,7 +256,7 @@ TEST(CompressedBlock, AMemoryStreamHasACompressorPerSide)
     stream.SetInputCompressor(&compressor);
     std::string body(40, '\0');
     stream.read(body.data(), 40);
-    EXPECT_EQ(body, g_body);
+    EXPECT_EQ(body, BodyText);
 }
 
 TEST(CompressedBlock, OverZlibReadsTheGoldenFile)

@@ -18,7 +18,7 @@ std::size_t g_live = 0;
 std::size_t g_peak = 0;
 std::size_t g_largest = 0;
 
-constexpr std::size_t g_headerSize = alignof(std::max_align_t);
+constexpr std::size_t HeaderSize = alignof(std::max_align_t);
 
 // The most that `action` had allocated at once.
 template<typename Action>
@@ -48,14 +48,14 @@ Bytes WithBody(Bytes prefix, std::size_t body)
     return prefix;
 }
 
-constexpr std::size_t g_allowance = 64 * 1024;
-constexpr std::size_t g_small = 1024; // exceptions, lists of pieces
+constexpr std::size_t Allowance = 64 * 1024;
+constexpr std::size_t SmallSize = 1024; // exceptions, lists of pieces
 
 void ExpectCheapFailure(FakeInput& stream, std::size_t held, char const* error)
 {
     Quarn::string text = "old";
     std::size_t const peak = PeakOf([&] { EXPECT_EQ(ThrownText([&] { stream >> text; }), error); });
-    EXPECT_LE(peak, held + g_allowance + g_small) << held;
+    EXPECT_LE(peak, held + Allowance + SmallSize) << held;
     EXPECT_EQ(text, "old");
 }
 
@@ -82,7 +82,7 @@ TEST(HostileLength, OfAStringThatIsThereCostsAtMostTheTextTwice)
     Quarn::string text;
     std::size_t const peak = PeakOf([&] { stream >> text; });
     EXPECT_EQ(text.size(), length);
-    EXPECT_LE(peak, 2 * std::size_t{length} + g_allowance);
+    EXPECT_LE(peak, 2 * std::size_t{length} + Allowance);
 }
 
 TEST(HostileLength, OfTheStoredBytesOfABlockCostsNoMoreEither)
@@ -99,7 +99,7 @@ TEST(HostileLength, OfTheStoredBytesOfABlockCostsNoMoreEither)
         unsigned char buffer[40];
         std::size_t const peak =
             PeakOf([&] { EXPECT_EQ(ThrownText([&] { block.read(buffer, 40); }), "Generic Read"); });
-        EXPECT_LE(peak, held + g_allowance + g_small);
+        EXPECT_LE(peak, held + Allowance + SmallSize);
     }
 }
 
@@ -117,7 +117,7 @@ TEST(HostileLength, OfABlockIsAllocatedOnlyAfterItsStoredBytesWereRead)
     other.SetCompressor(&compressor);
     std::size_t const peak =
         PeakOf([&] { EXPECT_EQ(ThrownText([&] { other >> text; }), "Compression Size Fault"); });
-    EXPECT_LE(peak, g_small);
+    EXPECT_LE(peak, SmallSize);
 }
 
 TEST(HostileLength, OfAListCostsWhatItsStringsCost)
@@ -139,7 +139,7 @@ TEST(HostileLength, OfAListCostsWhatItsStringsCost)
 // Each block remembers its size before its first byte.
 void* operator new(std::size_t size)
 {
-    auto* const block = static_cast<std::size_t*>(std::malloc(size + g_headerSize));
+    auto* const block = static_cast<std::size_t*>(std::malloc(size + HeaderSize));
     if (block == nullptr) {
         throw std::bad_alloc();
     }
@@ -147,13 +147,13 @@ void* operator new(std::size_t size)
     g_live += size;
     g_peak = g_live > g_peak ? g_live : g_peak;
     g_largest = size > g_largest ? size : g_largest;
-    return reinterpret_cast<char*>(block) + g_headerSize;
+    return reinterpret_cast<char*>(block) + HeaderSize;
 }
 
 void operator delete(void* memory) noexcept
 {
     if (memory != nullptr) {
-        auto* const block = reinterpret_cast<std::size_t*>(static_cast<char*>(memory) - g_headerSize);
+        auto* const block = reinterpret_cast<std::size_t*>(static_cast<char*>(memory) - HeaderSize);
         g_live -= *block;
         std::free(block);
     }

@@ -59,8 +59,8 @@ void CompareAll(std::string const& prefix, std::string const& letters, std::vect
     }
 }
 
-std::vector<std::string> const g_numberFlags = {"",   "-",  "+",  " ",  "#",  "0",    "-+",
-                                                "-0", "+0", "#0", "-#", "+ ", "-+ #0"};
+std::vector<std::string> const NumberFlags = {"",   "-",  "+",  " ",  "#",  "0",    "-+",
+                                              "-0", "+0", "#0", "-#", "+ ", "-+ #0"};
 
 template<typename T>
 std::vector<T> Limits()
@@ -71,14 +71,14 @@ std::vector<T> Limits()
 TEST(FormatGenerated, IntegersOfEverySize)
 {
     std::string const letters = "diouxX";
-    CompareAll<int>("", letters, Limits<int>(), g_numberFlags);
-    CompareAll<int>("h", letters, Limits<int>(), g_numberFlags);
-    CompareAll<int>("hh", letters, Limits<int>(), g_numberFlags);
-    CompareAll<long>("l", letters, Limits<long>(), g_numberFlags);
-    CompareAll<long long>("ll", letters, Limits<long long>(), g_numberFlags);
-    CompareAll<std::size_t>("z", letters, Limits<std::size_t>(), g_numberFlags);
-    CompareAll<std::intmax_t>("j", letters, Limits<std::intmax_t>(), g_numberFlags);
-    CompareAll<std::ptrdiff_t>("t", letters, Limits<std::ptrdiff_t>(), g_numberFlags);
+    CompareAll<int>("", letters, Limits<int>(), NumberFlags);
+    CompareAll<int>("h", letters, Limits<int>(), NumberFlags);
+    CompareAll<int>("hh", letters, Limits<int>(), NumberFlags);
+    CompareAll<long>("l", letters, Limits<long>(), NumberFlags);
+    CompareAll<long long>("ll", letters, Limits<long long>(), NumberFlags);
+    CompareAll<std::size_t>("z", letters, Limits<std::size_t>(), NumberFlags);
+    CompareAll<std::intmax_t>("j", letters, Limits<std::intmax_t>(), NumberFlags);
+    CompareAll<std::ptrdiff_t>("t", letters, Limits<std::ptrdiff_t>(), NumberFlags);
 }
 
 template<typename T>

@@ -13,11 +13,11 @@ namespace {
 
 // An a with diaeresis and the sign of the euro in the locale's encoding.
 #if defined(_WIN32)
-std::string const g_a = "\xe4";
-std::string const g_euro = "\x80";
+std::string const LetterA = "\xe4";
+std::string const Euro = "\x80";
 #else
-std::string const g_a = "\xc3\xa4";
-std::string const g_euro = "\xe2\x82\xac";
+std::string const LetterA = "\xc3\xa4";
+std::string const Euro = "\xe2\x82\xac";
 #endif
 
 class FormatLocale : public testing::Test
@@ -51,7 +51,7 @@ TEST_F(FormatLocale, LongNumbersHaveItToo)
 
 TEST_F(FormatLocale, WideTextsBecomeTheBytesOfTheLocale)
 {
-    std::string const expected = "a" + g_a + g_euro + "|" + g_euro;
+    std::string const expected = "a" + LetterA + Euro + "|" + Euro;
     Quarn::string text;
     EXPECT_EQ(text.Format("%ls|%lc", L"a\u00e4\u20ac", static_cast<wint_t>(0x20ac)),
               static_cast<int>(expected.size()));
@@ -61,13 +61,13 @@ TEST_F(FormatLocale, WideTextsBecomeTheBytesOfTheLocale)
 TEST_F(FormatLocale, APrecisionCountsTheBytesOfWideTextsAndCutsNoCharacter)
 {
     std::unique_ptr<wchar_t[]> const twoWithoutAnEnd(new wchar_t[2]{L'\u00e4', L'\u00e4'});
-    int const bytesOfTwo = static_cast<int>(2 * g_a.size());
+    int const bytesOfTwo = static_cast<int>(2 * LetterA.size());
     Quarn::string text;
     EXPECT_EQ(text.Format("%.*ls", bytesOfTwo, twoWithoutAnEnd.get()), bytesOfTwo);
-    EXPECT_EQ(text, g_a + g_a);
-    int const oneByteShort = static_cast<int>(1 + g_a.size() + g_euro.size()) - 1;
-    EXPECT_EQ(text.Format("%.*ls", oneByteShort, L"a\u00e4\u20ac"), static_cast<int>(1 + g_a.size()));
-    EXPECT_EQ(text, "a" + g_a);
+    EXPECT_EQ(text, LetterA + LetterA);
+    int const oneByteShort = static_cast<int>(1 + LetterA.size() + Euro.size()) - 1;
+    EXPECT_EQ(text.Format("%.*ls", oneByteShort, L"a\u00e4\u20ac"), static_cast<int>(1 + LetterA.size()));
+    EXPECT_EQ(text, "a" + LetterA);
 }
 
 #if !defined(_WIN32) // whose C library leaves such a text out

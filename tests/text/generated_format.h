@@ -18,7 +18,7 @@
 
 namespace generated_format {
 
-constexpr std::size_t maxArguments = 3;
+constexpr std::size_t MaxArguments = 3;
 
 struct Argument
 {
@@ -50,7 +50,7 @@ class Maker
 public:
     explicit Maker(Choose choose) : m_choose(std::move(choose)) {}
 
-    // Literal text and conversions with no more than maxArguments arguments, those of '*' included.
+    // Literal text and conversions with no more than MaxArguments arguments, those of '*' included.
     Format Make()
     {
         m_format = Format();
@@ -102,7 +102,7 @@ public:
 private:
     char Pick(std::string const& from) { return from[m_choose(static_cast<unsigned>(from.size()))]; }
 
-    bool HasRoom() const { return m_format.arguments.size() < maxArguments; }
+    bool HasRoom() const { return m_format.arguments.size() < MaxArguments; }
 
     void AddLiteral()
     {
@@ -132,7 +132,7 @@ private:
         }
         auto const kind = static_cast<Argument::Kind>(m_choose(4));
         // A star must leave room for the value behind it.
-        auto const starFits = [this] { return m_format.arguments.size() + 2 <= maxArguments; };
+        auto const starFits = [this] { return m_format.arguments.size() + 2 <= MaxArguments; };
 
         m_format.text.push_back('%');
         for (unsigned i = m_choose(4); i > 1; --i) {
@@ -276,7 +276,7 @@ std::string Difference(Formatter formatter, Format const& format, Args... args)
     if (format.arguments.size() == sizeof...(args)) {
         return Difference(formatter, format.text.c_str(), args...);
     }
-    if constexpr (sizeof...(args) < maxArguments) {
+    if constexpr (sizeof...(args) < MaxArguments) {
         Argument const& next = format.arguments[sizeof...(args)];
         switch (next.kind) {
         case Argument::Kind::Int:

@@ -9,10 +9,10 @@ using namespace Quarn::detail;
 
 namespace {
 
-constexpr std::int64_t stepsPerSecond = 10'000'000;
-constexpr std::int64_t stepsPerMillisecond = 10'000;
+constexpr std::int64_t StepsPerSecond = 10'000'000;
+constexpr std::int64_t StepsPerMillisecond = 10'000;
 // From 1601, where file times begin, to 1970.
-constexpr std::int64_t secondsBefore1970 = 11'644'473'600;
+constexpr std::int64_t SecondsBefore1970 = 11'644'473'600;
 
 SYSTEMTIME ToSystemTime(std::tm const& calendar, std::int64_t milliseconds)
 {
@@ -49,7 +49,7 @@ std::int64_t Offset(std::time_t moment)
 std::int64_t OffsetNow()
 {
     ::tzset();
-    return Offset(std::time(nullptr)) * stepsPerSecond;
+    return Offset(std::time(nullptr)) * StepsPerSecond;
 }
 
 std::int64_t Steps(FILETIME const& time)
@@ -104,8 +104,8 @@ BOOL SystemTimeToFileTime(SYSTEMTIME const* time, FILETIME* fileTime)
     if (!isDate || time->wMilliseconds >= 1000) {
         return Fail(ERROR_INVALID_PARAMETER);
     }
-    *fileTime = FromSteps(static_cast<std::uint64_t>((seconds + secondsBefore1970) * stepsPerSecond +
-                                                     time->wMilliseconds * stepsPerMillisecond));
+    *fileTime = FromSteps(static_cast<std::uint64_t>((seconds + SecondsBefore1970) * StepsPerSecond +
+                                                     time->wMilliseconds * StepsPerMillisecond));
     return TRUE;
 }
 
@@ -115,10 +115,10 @@ BOOL FileTimeToSystemTime(FILETIME const* fileTime, SYSTEMTIME* time)
     if (steps < 0) {
         return Fail(ERROR_INVALID_PARAMETER);
     }
-    std::time_t const seconds = steps / stepsPerSecond - secondsBefore1970;
+    std::time_t const seconds = steps / StepsPerSecond - SecondsBefore1970;
     std::tm calendar{};
     ::gmtime_r(&seconds, &calendar);
-    *time = ToSystemTime(calendar, steps % stepsPerSecond / stepsPerMillisecond);
+    *time = ToSystemTime(calendar, steps % StepsPerSecond / StepsPerMillisecond);
     return TRUE;
 }
 

@@ -46,7 +46,7 @@ struct Conversion
 };
 
 // The C library lays integers and pointers out on the stack, as wide as they are asked for.
-constexpr int largestOnStack = 4096;
+constexpr int LargestOnStack = 4096;
 
 class Pieces
 {
@@ -230,7 +230,7 @@ private:
     template<typename T>
     bool ConvertInteger(Conversion const& conversion, T value)
     {
-        if (conversion.width <= largestOnStack && conversion.precision <= largestOnStack) {
+        if (conversion.width <= LargestOnStack && conversion.precision <= LargestOnStack) {
             return Print(conversion, value);
         }
         Conversion bare = conversion;

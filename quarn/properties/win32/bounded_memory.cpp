@@ -10,8 +10,8 @@ namespace Quarn::detail {
 namespace {
 
 // In front of every block stands its size.
-constexpr std::size_t kPrefix = alignof(std::max_align_t);
-static_assert(kPrefix >= sizeof(std::size_t));
+constexpr std::size_t BlockPrefix = alignof(std::max_align_t);
+static_assert(BlockPrefix >= sizeof(std::size_t));
 
 } // namespace
 
@@ -20,13 +20,13 @@ void* BoundedMemory::allocate(XMLSize_t size)
     if (size > m_left) {
         throw xercesc::OutOfMemoryException();
     }
-    void* const start = ::operator new(size + kPrefix, std::nothrow);
+    void* const start = ::operator new(size + BlockPrefix, std::nothrow);
     if (start == nullptr) {
         throw xercesc::OutOfMemoryException();
     }
     m_left -= size;
     new (start) std::size_t(size);
-    return static_cast<char*>(start) + kPrefix;
+    return static_cast<char*>(start) + BlockPrefix;
 }
 
 void BoundedMemory::deallocate(void* block)
@@ -34,7 +34,7 @@ void BoundedMemory::deallocate(void* block)
     if (block == nullptr) {
         return;
     }
-    void* const start = static_cast<char*>(block) - kPrefix;
+    void* const start = static_cast<char*>(block) - BlockPrefix;
     m_left += *static_cast<std::size_t*>(start);
     ::operator delete(start);
 }

@@ -10,7 +10,10 @@ namespace Quarn::detail {
 // Readers keep nobody from opening, moving or deleting the file. Windows refuses all the same to replace a
 // file that is open: a reader delays a save there, by 2 s at most; then the save fails and the old file
 // stays.
-constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+constexpr DWORD ShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+// The attributes of what no settings file takes the place of. A missing file, by its answer, has them all.
+constexpr DWORD Untouchable = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE;
 
 class FileHandle
 {

@@ -11,15 +11,15 @@ namespace Quarn::detail {
 bool ReadWholeFile(string const& path, std::string& content)
 {
     content.clear();
-    FileHandle const file(::CreateFileA(path.c_str(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING,
+    FileHandle const file(::CreateFileA(path.c_str(), GENERIC_READ, ShareAll, nullptr, OPEN_EXISTING,
                                         FILE_ATTRIBUTE_NORMAL, nullptr));
     LARGE_INTEGER size;
     if (!file.IsOpen() || !::GetFileSizeEx(file.Get(), &size) ||
-        size.QuadPart > static_cast<LONGLONG>(kMaxDocumentSize)) {
+        size.QuadPart > static_cast<LONGLONG>(MaxDocumentSize)) {
         return false;
     }
     // The size is a hint: the file may grow, and a device has none.
-    constexpr std::size_t kStep = std::size_t{64} * 1024;
+    constexpr std::size_t ReadStep = std::size_t{64} * 1024;
     std::size_t used = 0;
     content.resize(static_cast<std::size_t>(size.QuadPart) + 1);
     for (;;) {
@@ -34,10 +34,10 @@ bool ReadWholeFile(string const& path, std::string& content)
             return true;
         }
         if (used == content.size()) {
-            if (used > kMaxDocumentSize) {
+            if (used > MaxDocumentSize) {
                 return false;
             }
-            content.resize(std::min(used + std::max(used, kStep), kMaxDocumentSize + 1));
+            content.resize(std::min(used + std::max(used, ReadStep), MaxDocumentSize + 1));
         }
     }
 }

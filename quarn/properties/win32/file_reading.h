@@ -6,7 +6,7 @@
 namespace Quarn::detail {
 
 // Replaces `content` by the file's. False where the file cannot be read or is longer than a settings document
-// can be. A save of the file waits for the end of the reading on Windows (see kShareAll), elsewhere nobody
+// can be. A save of the file waits for the end of the reading on Windows (see ShareAll), elsewhere nobody
 // does. Throws std::bad_alloc.
 bool ReadWholeFile(string const& path, std::string& content);
 

@@ -6,7 +6,7 @@ namespace Quarn::Win32 {
 
 namespace {
 
-constexpr char kCommon[] = "Common";
+constexpr char CommonKey[] = "Common";
 
 } // namespace
 
@@ -15,7 +15,7 @@ Quarn::string const HolvekProperties::RootFileName = "Holvek40.xml";
 HolvekProperties::HolvekProperties()
     : QuarnProperties(RootFileName, "Holvek", HKEY_LOCAL_MACHINE, R"(SOFTWARE\Tessary\Holvek)")
 {
-    AddSubKey(kCommon);
+    AddSubKey(CommonKey);
 }
 
 HolvekProperties::~HolvekProperties() = default;
@@ -27,7 +27,7 @@ bool HolvekProperties::RemoveAllXML()
 
 bool HolvekProperties::OnPopulateFromRegistry()
 {
-    PropertyKey* const common = AddSubKey(kCommon);
+    PropertyKey* const common = AddSubKey(CommonKey);
     return common != nullptr && detail::SeedFromRegistry(HKEY_LOCAL_MACHINE, R"(SOFTWARE\Tessary\Common)",
                                                          *common, *this) == detail::SeedResult::Read;
 }
@@ -45,7 +45,7 @@ HolvekProperties& HolvekProps()
 
 PropertyKey& CommonProps()
 {
-    return *HolvekProps().AddSubKey(kCommon);
+    return *HolvekProps().AddSubKey(CommonKey);
 }
 
 } // namespace Quarn::Win32

@@ -6,14 +6,14 @@ namespace Quarn::detail {
 
 namespace {
 
-constexpr DWORD kLockWait = 5000;
+constexpr DWORD LockWait = 5000;
 
 } // namespace
 
 SaveLock::SaveLock(SettingsPath const& path) : m_mutex(::CreateMutexA(nullptr, FALSE, LockName(path).c_str()))
 {
     if (m_mutex != nullptr) {
-        DWORD const result = ::WaitForSingleObject(m_mutex, kLockWait);
+        DWORD const result = ::WaitForSingleObject(m_mutex, LockWait);
         m_owned = result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
     }
 }

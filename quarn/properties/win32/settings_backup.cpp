@@ -2,6 +2,7 @@
 
 #include "quarn/platform/win32_api.h"
 #include "quarn/properties/property_collection.h"
+#include "quarn/properties/win32/file_handle.h"
 #include "quarn/properties/win32/file_reading.h"
 #include "quarn/properties/win32/file_search.h"
 #include "quarn/properties/win32/save_lock.h"
@@ -54,9 +55,7 @@ bool CreateBackup(string const& path, string& backup)
 
 bool Restore(string const& path, string const& backupPath)
 {
-    constexpr DWORD kUntouchable = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE;
-    // Missing files have all attributes.
-    if ((::GetFileAttributesA(path.c_str()) & kUntouchable) != 0) {
+    if ((::GetFileAttributesA(path.c_str()) & Untouchable) != 0) {
         return false;
     }
     SettingsPath resolved;

@@ -11,7 +11,7 @@ namespace {
 
 bool Overwrite(string const& name, std::string_view content)
 {
-    FileHandle file(::CreateFileA(name.c_str(), GENERIC_WRITE, kShareAll, nullptr, OPEN_EXISTING,
+    FileHandle file(::CreateFileA(name.c_str(), GENERIC_WRITE, ShareAll, nullptr, OPEN_EXISTING,
                                   FILE_ATTRIBUTE_NORMAL, nullptr));
     bool const written = file.IsOpen() && file.WriteToEnd(content);
     return file.Close() && written;
@@ -27,7 +27,7 @@ string CreateForUser(SettingsPath const& path)
     }
     for (std::uint32_t stamp = BackupStamp();; ++stamp) {
         string name = BackupName(folder, path, stamp);
-        FileHandle const file(::CreateFileA(name.c_str(), GENERIC_WRITE, kShareAll, nullptr, CREATE_NEW,
+        FileHandle const file(::CreateFileA(name.c_str(), GENERIC_WRITE, ShareAll, nullptr, CREATE_NEW,
                                             FILE_ATTRIBUTE_NORMAL, nullptr));
         if (file.IsOpen()) {
             return name;

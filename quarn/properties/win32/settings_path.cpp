@@ -34,7 +34,7 @@ bool TakePath(Function function, string& path)
 // The system's own spelling, without the prefix that Windows sets in front where it is not needed.
 bool FinalPath(string const& path, string& final)
 {
-    FileHandle const file(::CreateFileA(path.c_str(), 0, kShareAll, nullptr, OPEN_EXISTING,
+    FileHandle const file(::CreateFileA(path.c_str(), 0, ShareAll, nullptr, OPEN_EXISTING,
                                         FILE_FLAG_BACKUP_SEMANTICS, nullptr));
     auto const ask = [&file](char* buffer, DWORD size) {
         return ::GetFinalPathNameByHandleA(file.Get(), buffer, size, FILE_NAME_NORMALIZED | VOLUME_NAME_DOS);
@@ -42,12 +42,12 @@ bool FinalPath(string const& path, string& final)
     if (!file.IsOpen() || !TakePath(ask, final)) {
         return false;
     }
-    constexpr std::string_view kPathPrefix = R"(\\?\)";
-    constexpr std::string_view kSharedPathPrefix = R"(\\?\UNC\)";
+    constexpr std::string_view PathPrefix = R"(\\?\)";
+    constexpr std::string_view SharedPathPrefix = R"(\\?\UNC\)";
     std::string_view rest = final;
-    if (rest.size() < MAX_PATH && rest.substr(0, kPathPrefix.size()) == kPathPrefix) {
-        bool const isShare = rest.substr(0, kSharedPathPrefix.size()) == kSharedPathPrefix;
-        rest.remove_prefix(isShare ? kSharedPathPrefix.size() : kPathPrefix.size());
+    if (rest.size() < MAX_PATH && rest.substr(0, PathPrefix.size()) == PathPrefix) {
+        bool const isShare = rest.substr(0, SharedPathPrefix.size()) == SharedPathPrefix;
+        rest.remove_prefix(isShare ? SharedPathPrefix.size() : PathPrefix.size());
         final = (isShare ? "\\\\" : "") + std::string(rest);
     }
     return true;
@@ -71,9 +71,9 @@ bool FullPath(string const& path, string& full)
 // missing file.
 string LinkTarget(string path)
 {
-    constexpr int kMaxLinks = 40;
+    constexpr int MaxLinks = 40;
     try {
-        for (int i = 0; i < kMaxLinks; ++i) {
+        for (int i = 0; i < MaxLinks; ++i) {
             std::error_code error;
             std::filesystem::path const link(std::string_view{path});
             std::filesystem::path const target = std::filesystem::read_symlink(link, error);
@@ -116,10 +116,10 @@ SettingsPath DivideSettingsPath(string const& path)
 bool ResolveSettingsPath(string const& path, SettingsPath& resolved)
 {
     // A file that another saver replaces between its opening and the question for its path has none.
-    constexpr int kAttempts = 100;
+    constexpr int Attempts = 100;
     string whole;
     string full;
-    for (int i = 0; i < kAttempts && ::GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; ++i) {
+    for (int i = 0; i < Attempts && ::GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; ++i) {
         if (FinalPath(path, whole) && FullPath(whole, full)) {
             resolved = DivideSettingsPath(full);
             return true;
@@ -164,9 +164,10 @@ string TemporaryPattern(SettingsPath const& path)
 
 std::uint32_t BackupStamp()
 {
-    constexpr std::int64_t kFirst = 1208357070;
+    constexpr std::int64_t FirstSecond = 1208357070;
     auto const now = std::chrono::system_clock::now().time_since_epoch();
-    return static_cast<std::uint32_t>(std::chrono::duration_cast<std::chrono::seconds>(now).count() - kFirst);
+    return static_cast<std::uint32_t>(std::chrono::duration_cast<std::chrono::seconds>(now).count() -
+                                      FirstSecond);
 }
 
 string BackupName(string const& folder, SettingsPath const& path, std::uint32_t stamp)

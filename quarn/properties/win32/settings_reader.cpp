@@ -23,11 +23,11 @@ namespace Quarn::detail {
 
 namespace {
 
-constexpr XMLCh kKey[] = {'K', 'e', 'y', 0};
-constexpr XMLCh kValue[] = {'V', 'a', 'l', 'u', 'e', 0};
-constexpr XMLCh kName[] = {'N', 'a', 'm', 'e', 0};
-constexpr XMLCh kType[] = {'T', 'y', 'p', 'e', 0};
-constexpr XMLCh kSource[] = {'s', 'e', 't', 't', 'i', 'n', 'g', 's', 0};
+constexpr XMLCh KeyElement[] = {'K', 'e', 'y', 0};
+constexpr XMLCh ValueElement[] = {'V', 'a', 'l', 'u', 'e', 0};
+constexpr XMLCh NameAttribute[] = {'N', 'a', 'm', 'e', 0};
+constexpr XMLCh TypeAttribute[] = {'T', 'y', 'p', 'e', 0};
+constexpr XMLCh SourceName[] = {'s', 'e', 't', 't', 'i', 'n', 'g', 's', 0};
 
 // Leaves the parser; the document is refused.
 struct Refusal
@@ -36,12 +36,12 @@ struct Refusal
 // How many levels a key path makes: the keys' own path syntax, delimiters in a row counting as one.
 std::size_t LevelsOf(std::string_view path)
 {
-    constexpr std::string_view kDelimiters = "\\/;,";
+    constexpr std::string_view Delimiters = "\\/;,";
     std::size_t levels = 0;
     while (!path.empty()) {
         ++levels;
-        std::size_t const end = std::min(path.find_first_of(kDelimiters), path.size());
-        path.remove_prefix(std::min(path.find_first_not_of(kDelimiters, end), path.size()));
+        std::size_t const end = std::min(path.find_first_of(Delimiters), path.size());
+        path.remove_prefix(std::min(path.find_first_not_of(Delimiters, end), path.size()));
     }
     return levels;
 }
@@ -62,7 +62,7 @@ public:
     void startElement(XMLCh const*, XMLCh const*, XMLCh const* name,
                       xercesc::Attributes const& attributes) override
     {
-        if (++m_depth > kMaxElementDepth) {
+        if (++m_depth > MaxElementDepth) {
             throw Refusal();
         }
         if (m_depth == 1) {
@@ -114,7 +114,7 @@ private:
 
     void EnterRootKey(xercesc::Attributes const& attributes)
     {
-        if (XMLCh const* const name = attributes.getValue(kName)) {
+        if (XMLCh const* const name = attributes.getValue(NameAttribute)) {
             m_steps.SetRootName(ConvertName(name));
             m_levels = 1;
             m_depths.push_back(0);
@@ -126,9 +126,9 @@ private:
 
     void EnterChild(XMLCh const* element, xercesc::Attributes const& attributes)
     {
-        XMLCh const* const name = attributes.getValue(kName);
-        XMLCh const* const type = attributes.getValue(kType);
-        bool const isValue = xercesc::XMLString::equals(element, kValue);
+        XMLCh const* const name = attributes.getValue(NameAttribute);
+        XMLCh const* const type = attributes.getValue(TypeAttribute);
+        bool const isValue = xercesc::XMLString::equals(element, ValueElement);
         if (name == nullptr || (isValue && type == nullptr)) {
             Stop();
         } else if (isValue) {
@@ -137,10 +137,10 @@ private:
             m_characters.clear();
             m_text.clear();
             Skip(Place::Value);
-        } else if (xercesc::XMLString::equals(element, kKey)) {
+        } else if (xercesc::XMLString::equals(element, KeyElement)) {
             ConvertName(name);
             std::size_t const levels = LevelsOf(m_name);
-            if (m_levels + levels > kMaxTreeDepth) {
+            if (m_levels + levels > MaxTreeDepth) {
                 throw Refusal();
             }
             m_levels += levels;
@@ -198,7 +198,7 @@ private:
 
     std::string const& ConvertName(XMLCh const* name)
     {
-        if (xercesc::XMLString::stringLen(name) > kMaxNameSize) {
+        if (xercesc::XMLString::stringLen(name) > MaxNameSize) {
             throw Refusal();
         }
         return Convert(name, m_name);
@@ -277,12 +277,12 @@ bool HoldsZeroCharacter(std::string_view document)
 
 bool Parse(std::string_view document, Handler& handler)
 {
-    BoundedMemory memory(kMaxParserMemory);
+    BoundedMemory memory(MaxParserMemory);
     try {
         xercesc::SecurityManager security;
         security.setEntityExpansionLimit(1);
         xercesc::MemBufInputSource source(reinterpret_cast<XMLByte const*>(document.data()), document.size(),
-                                          kSource, false, &memory);
+                                          SourceName, false, &memory);
         source.setCopyBufToStream(false);
         Reader reader(&memory);
         Configure(reader);
@@ -306,7 +306,7 @@ ReadResult ReadSettings(std::string_view document, PropertyCollection& collectio
 {
     SettingsSteps steps;
     Handler handler(steps);
-    if (document.size() > kMaxDocumentSize || HoldsZeroCharacter(document) || !Parse(document, handler)) {
+    if (document.size() > MaxDocumentSize || HoldsZeroCharacter(document) || !Parse(document, handler)) {
         return ReadResult::Refused;
     }
     steps.Apply(collection);

@@ -17,7 +17,7 @@ bool CopyFlushed(string const& from, string const& to)
     if (!::CopyFileA(from.c_str(), to.c_str(), TRUE)) {
         return false;
     }
-    FileHandle file(::CreateFileA(to.c_str(), GENERIC_WRITE, kShareAll, nullptr, OPEN_EXISTING,
+    FileHandle file(::CreateFileA(to.c_str(), GENERIC_WRITE, ShareAll, nullptr, OPEN_EXISTING,
                                   FILE_ATTRIBUTE_NORMAL, nullptr));
     if (file.IsOpen() && ::FlushFileBuffers(file.Get())) {
         return true;
@@ -61,8 +61,7 @@ bool ReplaceSettingsFile(string const& path, std::string_view content, bool& kee
     string const whole = resolved.Whole();
     DWORD const attributes = ::GetFileAttributesA(whole.c_str());
     bool const exists = attributes != INVALID_FILE_ATTRIBUTES;
-    constexpr DWORD kUntouchable = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE;
-    if (exists && (attributes & kUntouchable) != 0) {
+    if (exists && (attributes & Untouchable) != 0) {
         return false;
     }
     if (lock.IsOwned()) {

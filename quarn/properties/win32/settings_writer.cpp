@@ -44,8 +44,8 @@ constexpr Escapes MakeEscapes(Use use)
     return escapes;
 }
 
-constexpr Escapes kTextEscapes = MakeEscapes(Use::Text);
-constexpr Escapes kAttributeEscapes = MakeEscapes(Use::Attribute);
+constexpr Escapes TextEscapes = MakeEscapes(Use::Text);
+constexpr Escapes AttributeEscapes = MakeEscapes(Use::Attribute);
 
 bool IsAscii(std::string_view text)
 {
@@ -70,7 +70,7 @@ public:
         }
         EndLine();
         m_document += "\n</" + name + ">";
-        return m_document.size() <= kMaxDocumentSize;
+        return m_document.size() <= MaxDocumentSize;
     }
 
 private:
@@ -78,7 +78,7 @@ private:
     // NOLINTNEXTLINE(misc-no-recursion)
     bool WriteKey(PropertyKey const& key, std::size_t level)
     {
-        if (level > kMaxTreeDepth) {
+        if (level > MaxTreeDepth) {
             return false;
         }
         EndLine();
@@ -120,7 +120,7 @@ private:
         m_document += value.GetDatatypeName();
         m_document += "\">";
         string const text = value.GetValueString();
-        if (!WriteEscaped(text, kTextEscapes)) {
+        if (!WriteEscaped(text, TextEscapes)) {
             return false;
         }
         m_document += "</Value>";
@@ -163,12 +163,12 @@ private:
 
     bool WriteName(std::string_view name)
     {
-        return name.size() <= kMaxNameSize && WriteEscaped(name, kAttributeEscapes);
+        return name.size() <= MaxNameSize && WriteEscaped(name, AttributeEscapes);
     }
 
     bool WriteEscaped(std::string_view text, Escapes const& escapes)
     {
-        if (m_document.size() + text.size() > kMaxDocumentSize) {
+        if (m_document.size() + text.size() > MaxDocumentSize) {
             return false;
         }
         if (!IsAscii(text)) {
@@ -188,7 +188,7 @@ private:
                 m_document.append(run, c);
                 m_document += escape;
                 run = c + 1;
-                if (m_document.size() > kMaxDocumentSize) {
+                if (m_document.size() > MaxDocumentSize) {
                     return false;
                 }
             }

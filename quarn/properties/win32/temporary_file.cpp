@@ -10,8 +10,8 @@ namespace Quarn::detail {
 
 namespace {
 
-constexpr ULONGLONG kBusyWait = 2000;
-constexpr DWORD kBusyStep = 20;
+constexpr ULONGLONG BusyWait = 2000;
+constexpr DWORD BusyStep = 20;
 
 void Remove(string const& name)
 {
@@ -63,10 +63,10 @@ bool TemporaryFile::Move(string const& name, DWORD flags)
     while (::MoveFileExA(m_name.c_str(), name.c_str(), flags) == FALSE) {
         DWORD const error = ::GetLastError();
         if ((error != ERROR_ACCESS_DENIED && error != ERROR_SHARING_VIOLATION) ||
-            ::GetTickCount64() - start >= kBusyWait) {
+            ::GetTickCount64() - start >= BusyWait) {
             return false;
         }
-        ::Sleep(kBusyStep);
+        ::Sleep(BusyStep);
     }
     m_exists = false;
     return true;
@@ -75,9 +75,9 @@ bool TemporaryFile::Move(string const& name, DWORD flags)
 HANDLE TemporaryFile::Create(SettingsPath const& path)
 {
     static std::atomic<unsigned int> number = 0;
-    constexpr int kAttempts = 100;
+    constexpr int Attempts = 100;
     HANDLE file = INVALID_HANDLE_VALUE;
-    for (int i = 0; i < kAttempts && file == INVALID_HANDLE_VALUE; ++i) {
+    for (int i = 0; i < Attempts && file == INVALID_HANDLE_VALUE; ++i) {
         m_name = TemporaryName(path, ++number);
         file = ::CreateFileA(m_name.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
                              FILE_ATTRIBUTE_NORMAL, nullptr);

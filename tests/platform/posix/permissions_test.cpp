@@ -12,9 +12,9 @@
 
 namespace {
 
-constexpr SECURITY_INFORMATION g_list = DACL_SECURITY_INFORMATION;
-constexpr SECURITY_INFORMATION g_group = GROUP_SECURITY_INFORMATION;
-constexpr SECURITY_INFORMATION g_owner = OWNER_SECURITY_INFORMATION;
+constexpr SECURITY_INFORMATION List = DACL_SECURITY_INFORMATION;
+constexpr SECURITY_INFORMATION Group = GROUP_SECURITY_INFORMATION;
+constexpr SECURITY_INFORMATION Owner = OWNER_SECURITY_INFORMATION;
 
 BOOL Carry(std::string const& from, std::string const& to, SECURITY_INFORMATION information)
 {
@@ -45,7 +45,7 @@ TEST(PosixPermissions, TheModeIsCarried)
     std::string const to = folder.Make("b");
     for (unsigned const mode : {0644U, 0600U, 0660U, 0777U, 0400U, 0604U}) {
         ASSERT_EQ(::chmod(from.c_str(), mode), 0);
-        EXPECT_TRUE(Carry(from, to, g_list | g_group | g_owner));
+        EXPECT_TRUE(Carry(from, to, List | Group | Owner));
         EXPECT_EQ(ModeOf(to), mode);
     }
     EXPECT_EQ(StatusOf(to).st_uid, StatusOf(from).st_uid);
@@ -60,9 +60,9 @@ TEST(PosixPermissions, TheGroupsRightsDoNotGoToAnotherGroup)
         GTEST_SKIP() << "needs the right to give a file to another group";
     }
     ASSERT_EQ(::chmod(from.c_str(), 0664), 0);
-    EXPECT_TRUE(Carry(from, to, g_list));
+    EXPECT_TRUE(Carry(from, to, List));
     EXPECT_EQ(ModeOf(to), 0644U);
-    EXPECT_TRUE(Carry(from, to, g_group | g_list));
+    EXPECT_TRUE(Carry(from, to, Group | List));
     EXPECT_EQ(ModeOf(to), 0664U);
     EXPECT_EQ(StatusOf(to).st_gid, 65534U);
 }
@@ -107,11 +107,11 @@ TEST(PosixPermissions, TheAccessControlListIsCarriedAndTakenAway)
     if (::setxattr(from.c_str(), "system.posix_acl_access", list.data(), list.size(), 0) != 0) {
         GTEST_SKIP() << "needs a file system with access control lists";
     }
-    EXPECT_TRUE(Carry(from, to, g_list));
+    EXPECT_TRUE(Carry(from, to, List));
     EXPECT_EQ(ListOf(to), list);
     EXPECT_EQ(ModeOf(to), ModeOf(from));
     ASSERT_EQ(::chmod(plain.c_str(), 0640), 0);
-    EXPECT_TRUE(Carry(plain, to, g_list));
+    EXPECT_TRUE(Carry(plain, to, List));
     EXPECT_EQ(ListOf(to).size(), 0U);
     EXPECT_EQ(ModeOf(to), 0640U);
 }
