@@ -17,7 +17,7 @@ namespace {
 
 constinit bool g_searchPathExtended = false;
 
-std::string PathVariable()
+std::string ProcessPath()
 {
     std::string path;
     DWORD size = ::GetEnvironmentVariableA("PATH", nullptr, 0);
@@ -34,7 +34,7 @@ void ExtendSearchPath()
 {
     Quarn::string const common = GetCommonDirectory(Win32Library::LibrarySubdir);
     g_searchPathExtended = true;
-    std::string path = PathVariable();
+    std::string path = ProcessPath();
     if (path.find(common) == path.npos) {
         path.append(1, Quarn::detail::PathListSeparator).append(common);
         ::_putenv_s("PATH", path.c_str());
@@ -66,7 +66,7 @@ HINSTANCE LoadFrom(std::string const& folder, std::string const& fileName)
 
 HINSTANCE LoadLib(Quarn::string const& fileName)
 {
-    MutexWrapper const guard(Quarn::detail::LibraryMutex());
+    MutexWrapper const guard(Quarn::detail::LoadingMutex());
     if (fileName.empty()) {
         return nullptr;
     }

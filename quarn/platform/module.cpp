@@ -12,7 +12,7 @@
 namespace {
 
 constinit HINSTANCE g_library = nullptr;
-constinit HANDLE g_libraryMutex = nullptr;
+constinit HANDLE g_loadingMutex = nullptr;
 constinit HINSTANCE g_languageModule = nullptr;
 constinit bool g_languageChosen = false;
 
@@ -34,8 +34,8 @@ namespace Quarn::detail {
 void Attach(HINSTANCE library)
 {
     g_library = library;
-    if (g_libraryMutex == nullptr) {
-        g_libraryMutex = ::CreateMutexA(nullptr, FALSE, "Win32LibraryMutex");
+    if (g_loadingMutex == nullptr) {
+        g_loadingMutex = ::CreateMutexA(nullptr, FALSE, "Win32LibraryMutex");
     }
 }
 
@@ -46,9 +46,9 @@ void Detach()
     ::OutputDebugStringA("(No leaks)\r\n");
 }
 
-HANDLE LibraryMutex()
+HANDLE LoadingMutex()
 {
-    return g_libraryMutex;
+    return g_loadingMutex;
 }
 
 HINSTANCE ResourceModule()

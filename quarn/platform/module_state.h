@@ -12,7 +12,7 @@ void Detach();
 
 // The mutex under which companion libraries are loaded, one for all processes: made at attach, without
 // waiting, and kept as long as the process lives. Null where it cannot be made.
-HANDLE LibraryMutex();
+HANDLE LoadingMutex();
 
 // The module of the library's own texts: the language module, where one is loaded, else the library.
 HINSTANCE ResourceModule();

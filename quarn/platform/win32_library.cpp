@@ -9,7 +9,7 @@
 
 namespace Win32Quarn {
 
-using Quarn::detail::LibraryMutex;
+using Quarn::detail::LoadingMutex;
 
 Quarn::string const Win32Library::LibrarySubdir = "bin";
 
@@ -22,7 +22,7 @@ Win32Library::~Win32Library() = default;
 
 bool Win32Library::Load()
 {
-    MutexWrapper const guard(LibraryMutex());
+    MutexWrapper const guard(LoadingMutex());
     if (m_refCount == 0) {
         m_hMod = LoadLib(GetLibName());
         m_refCount = m_hMod != nullptr ? 1 : 0;
@@ -39,13 +39,13 @@ bool Win32Library::Load()
 
 bool Win32Library::Unload()
 {
-    MutexWrapper const guard(LibraryMutex());
+    MutexWrapper const guard(LoadingMutex());
     return m_refCount != 0;
 }
 
 void (*Win32Library::GetFunction(int ordinal) const)()
 {
-    MutexWrapper const guard(LibraryMutex());
+    MutexWrapper const guard(LoadingMutex());
     if (m_hMod == nullptr) {
         return nullptr;
     }
@@ -60,7 +60,7 @@ void (*Win32Library::GetFunction(int ordinal) const)()
 
 void (*Win32Library::GetFunction(Quarn::string const& name) const)()
 {
-    MutexWrapper const guard(LibraryMutex());
+    MutexWrapper const guard(LoadingMutex());
     if (m_hMod == nullptr) {
         return nullptr;
     }

@@ -1,5 +1,5 @@
 // The byte order of the record format: little-endian on every machine. Everything that the streams store goes
-// through this pair of functions.
+// through this pair of functions, in any thread.
 #pragma once
 
 #include <algorithm>

@@ -1,6 +1,8 @@
 // Companion modules for a test: files below a folder of its own, under a name of its own.
 #pragma once
 
+#include "quarn/platform/win32_library.h"
+
 #include "tests/platform/scratch_folder.h"
 
 #if defined(_WIN32)
@@ -36,4 +38,11 @@ protected:
         return path;
     }
     std::string Put(std::string const& number) const { return Put(number, m_here, m_file); }
+};
+
+// A library that counts a load but has no module.
+class InconsistentLibrary : public Win32Quarn::Win32Library
+{
+public:
+    InconsistentLibrary() : Win32Library("Plot.dll", "") { m_refCount = 1; }
 };

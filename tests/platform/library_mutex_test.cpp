@@ -19,13 +19,6 @@ constexpr char const* Name = "Win32LibraryMutex";
 // More than any other program of the tests, on this machine at the same time, keeps it.
 constexpr DWORD Patience = 60'000;
 
-// A library that counts a load but has no module.
-class Inconsistent : public Win32Library
-{
-public:
-    Inconsistent() : Win32Library("Plot.dll", "") { m_refCount = 1; }
-};
-
 class LibraryMutex : public Companions
 {
 protected:
@@ -97,7 +90,7 @@ TEST_F(LibraryMutex, IsFreeAfterEveryOperation)
             EXPECT_TRUE(IsFree());
         }
     }
-    Inconsistent inconsistent;
+    InconsistentLibrary inconsistent;
     EXPECT_THROW(inconsistent.Load(), Quarn::QuarnException);
     EXPECT_TRUE(IsFree());
 }

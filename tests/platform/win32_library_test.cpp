@@ -187,23 +187,16 @@ TEST_F(Win32LibraryTest, TheFactoryMakesAndDeletes)
     EXPECT_EQ(Win32Library::LibrarySubdir, "bin");
 }
 
-// A library that counts a load but has no module.
-class Inconsistent : public Win32Library
-{
-public:
-    Inconsistent() : Win32Library("Plot.dll", "") { m_refCount = 3; }
-};
-
 TEST_F(Win32LibraryTest, AnInconsistentStateThrowsAtLoad)
 {
-    Inconsistent library;
+    InconsistentLibrary library;
     for (int i = 0; i < 2; ++i) {
         try {
             library.Load();
             FAIL() << "did not throw";
         } catch (Quarn::QuarnException const& exception) {
             EXPECT_STREQ(exception.GetString(),
-                         "Win32Library::Load() Failed: Lib=Plot.dll, m_hMod = NULL, m_refCount=3");
+                         "Win32Library::Load() Failed: Lib=Plot.dll, m_hMod = NULL, m_refCount=1");
         }
     }
     EXPECT_FALSE(library.IsLoaded());
