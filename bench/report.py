@@ -1,90 +1,139 @@
 #!/usr/bin/env python3
-"""Writes the performance page from Google Benchmark's JSON files in the folder given on the command line.
+"""Writes docs/performance.md and the plots in docs/plots/ from the benchmarks' results.
 
-A benchmark is named path/peer/case; the peer "quarn" is ours. A ratio is a peer's median over ours, so above 1 the
-library is faster; rows named "limit" are what the machine allows, not libraries.
+    bench/report.py RESULTS [DOCS]      the folder of the JSON files; docs by default
 """
-import collections
-import glob
-import json
 import os
-import statistics
+import subprocess
 import sys
+
+import growth
+import plots
+import targets
+from plots import short
+from results import OURS, Results, is_limit
 
 INTRODUCTION = """# Performance
 
-Measured with Google Benchmark, every path beside its peers in one program and one run, repetitions in random order.
-The figures are medians of {repetitions} repetitions on {machine};
-the spread is the coefficient of variation. A ratio is the other's time over ours: above 1, the library is faster.
-Rows named *limit* are hand-written code that does only the unavoidable work. `bench/run.sh` measures everything again
-and writes this page; the peers need libdeflate-dev, libabsl-dev, libfmt-dev and qtbase5-dev, and are left out
-without them.
+Every path is measured with Google Benchmark beside its peers, in one program and one run, with the repetitions in
+random order, after the results of all were compared. The figures are medians of {repetitions} repetitions on {machine}; the
+spread is the coefficient of variation. A ratio is the other's time over ours: above 1, the library is faster. Rows named *limit* are hand-written code that does only the unavoidable work, or what the machine takes.
+
+`bench/run.sh` installs the peers, measures everything again and writes this page and its plots. A peer that is not
+there is left out, and a target that needs it counts as not measured.
 
 Versions: {versions}.
 """
 
-
-def human(ns):
-    for unit, size in (("s", 1e9), ("ms", 1e6), ("µs", 1e3)):
-        if ns >= size:
-            return f"{ns / size:.3g} {unit}"
-    return f"{ns:.3g} ns"
+PACKAGES = ("g++", "libc6", "libbenchmark-dev", "zlib1g-dev", "libdeflate-dev", "libisal-dev", "libfmt-dev",
+            "libabsl-dev", "libcereal-dev", "libboost-dev", "libpoco-dev", "qtbase5-dev", "libxerces-c-dev", "libpugixml-dev",
+            "libsqlite3-dev")
+MARKS = {True: "met", False: "**not met**", None: "not measured"}
 
 
 def machine():
-    model = "this processor"
     with open("/proc/cpuinfo", encoding="utf-8") as info:
-        for line in info:
-            if line.startswith("model name"):
-                model = line.split(":", 1)[1].strip()
-                break
-    return f"{os.cpu_count()} cores of an {model}"
+        models = [line.split(":", 1)[1].strip() for line in info if line.startswith("model name")]
+    return f"{os.cpu_count()} cores of an {models[0] if models else 'unknown processor'}"
 
 
 def versions():
-    packages = ["g++", "zlib1g-dev", "libdeflate-dev", "libxerces-c-dev", "libbenchmark-dev", "libsqlite3-dev",
-                "qtbase5-dev", "libabsl-dev", "libfmt-dev"]
     found = []
-    for package in packages:
-        version = os.popen(f"dpkg-query -W -f='${{Version}}' {package} 2>/dev/null").read().strip()
-        if version:
-            found.append(f"{package} {version}")
+    for package in PACKAGES:
+        query = subprocess.run(["dpkg-query", "-W", "-f=${Version}", package], capture_output=True, text=True,
+                               check=False)
+        if query.returncode == 0 and query.stdout:
+            found.append(f"{package} {query.stdout}")
     return ", ".join(found)
 
 
+def cell(text):
+    return text.replace("|", "\\|") or "-"
+
+
+def needed(verdict):
+    return f"{'≥' if verdict.at_least and not verdict.strict else '>' if verdict.at_least else '<'} {verdict.needed:.2f}"
+
+
+def summary(results):
+    """One row for each target, with its tightest case; then the reasons for what is not met."""
+    lines, reasons, counts = [], [], {True: 0, False: 0, None: 0}
+    for target in targets.TARGETS:
+        verdicts = target.check(results)
+        measured = [verdict for verdict in verdicts if verdict.met is not None]
+        if len(measured) < len(verdicts):
+            state = False if any(not verdict.met for verdict in measured) else None
+        else:
+            state = all(verdict.met for verdict in verdicts)
+        counts[state] += 1
+        tightest = min(measured, key=lambda verdict: verdict.margin, default=None)
+        lacking = sorted({verdict.beside for verdict in verdicts if verdict.met is None})
+        if tightest is None:
+            beside, found, bound = "without " + ", ".join(lacking), "-", needed(verdicts[0])
+        else:
+            beside = f"{tightest.beside}, {tightest.case}" if tightest.case else tightest.beside
+            found, bound = f"{tightest.found:.2f}", needed(tightest)
+        met = sum(verdict.met is True for verdict in verdicts)
+        cases = f" ({met} of {len(verdicts)})" if len(verdicts) > 1 else ""
+        lines.append(f"| {target.what} | {target.rule} | {cell(beside)} | {found} | {bound} "
+                     f"| {MARKS[state]}{cases} |")
+        if state is False:
+            reasons.append(f"- {target.what}, {target.rule}: {target.reason or 'not yet looked into.'}")
+    print(f"## Summary\n\n{counts[True]} of {len(targets.TARGETS)} targets are met, {counts[False]} are not, "
+          f"{counts[None]} could not be measured. Of several cases the tightest is shown.\n")
+    print("| path | target | beside | ratio | needed | |\n|---|---|---|--:|--:|---|")
+    print("\n".join(lines) + "\n")
+    if reasons:
+        print("Not met:\n\n" + "\n".join(reasons) + "\n")
+
+
+def marks(results, path):
+    """(case, peer) -> what is needed there and whether it is met."""
+    found = {}
+    for target in targets.TARGETS:
+        if target.path == path:
+            for verdict in target.check(results):
+                if verdict.met is not None:
+                    found.setdefault((verdict.case, verdict.beside), []).append(
+                        f"{needed(verdict)} {MARKS[verdict.met]}")
+    return {place: ", ".join(texts) for place, texts in found.items()}
+
+
+def table(results, path, plot):
+    print(f"## {path[0].upper()}{path[1:]}\n")
+    if plot:
+        print(f"![{plot[1]}](plots/{plot[0]})\n")
+    cases, target = results.paths[path], marks(results, path)
+    counters = "bytes per value" if any("bytes per value" in row.counters for peers in cases.values()
+                                        for row in peers.values()) else None
+    print(f"| case | who | median | ratio | target | spread |{f' {counters} |' if counters else ''}")
+    print(f"|---|---|--:|--:|---|--:|{'--:|' if counters else ''}")
+    for case, peers in cases.items():
+        ours = peers.get(OURS)
+        for peer, row in sorted(peers.items(), key=lambda item: item[1].median):
+            who = "**QuarnUtil**" if peer == OURS else f"*{peer}*" if is_limit(path, peer) else peer
+            ratio = f"{row.median / ours.median:.2f}" if ours else "-"
+            extra = f" {row.counters.get(counters, 0):.0f} |" if counters else ""
+            print(f"| {cell(case)} | {cell(who)} | {short(row.median, 'ns')} | {ratio} "
+                  f"| {target.get((case, peer), '')} | {row.spread:.0%} |{extra}")
+    print()
+
+
 def main():
-    times = collections.defaultdict(list)
-    order = {}
-    for number, file in enumerate(sorted(glob.glob(os.path.join(sys.argv[1], "*.json")))):
-        with open(file, encoding="utf-8") as text:
-            for run in json.load(text)["benchmarks"]:
-                if run.get("run_type") != "iteration" or run.get("error_occurred"):
-                    continue
-                name = run["run_name"].removesuffix("/real_time")
-                scale = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}[run["time_unit"]]
-                which = "real_time" if run["run_name"].endswith("/real_time") else "cpu_time"
-                times[name].append(run[which] * scale)
-                order.setdefault(name, (number, run["family_index"], run["per_family_instance_index"]))
-    paths = collections.defaultdict(lambda: collections.defaultdict(dict))
-    for name in sorted(times, key=order.get):
-        path, peer, case = (name.split("/", 2) + [""])[:3]
-        paths[path][case][peer] = times[name]
-    repetitions = max(len(values) for values in times.values())
-    print(INTRODUCTION.format(repetitions=repetitions, machine=machine(), versions=versions()))
-    for path, cases in paths.items():
-        print(f"## {path[0].upper()}{path[1:]}\n")
-        print("| case | who | median | ratio | spread |\n|---|---|--:|--:|--:|")
-        for case, peers in cases.items():
-            ours = next((statistics.median(v) for p, v in peers.items() if p.startswith("quarn")), None)
-            for peer, values in sorted(peers.items(), key=lambda item: statistics.median(item[1])):
-                median = statistics.median(values)
-                mean = statistics.fmean(values)
-                spread = statistics.pstdev(values) / mean if mean else 0
-                label = f"**{peer.replace('quarn', 'QuarnUtil')}**" if peer.startswith("quarn") else peer
-                ratio = f"{median / ours:.2f}" if ours else "-"
-                shown = case.replace("|", "\\|") or "-"
-                print(f"| {shown} | {label} | {human(median)} | {ratio} | {spread:.0%} |")
-        print()
+    results = Results(sys.argv[1])
+    docs = sys.argv[2] if len(sys.argv) > 2 else os.path.join(os.path.dirname(__file__), "..", "docs")
+    drawn = plots.write(results, os.path.join(docs, "plots"))
+    with open(os.path.join(docs, "performance.md"), "w", encoding="utf-8") as page:
+        sys.stdout = page
+        print(INTRODUCTION.format(repetitions=results.repetitions, machine=machine(), versions=versions()))
+        summary(results)
+        for path in results.paths:
+            table(results, path, drawn.get(path))
+        print(growth.section(results))
+        sys.stdout = sys.__stdout__
+    for error in results.errors:
+        print(f"not measured: {error}", file=sys.stderr)
+    return 1 if results.errors else 0
 
 
-main()
+sys.exit(main())

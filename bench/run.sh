@@ -30,4 +30,5 @@ for program in "${programs[@]}"; do
         --benchmark_out="$program.json" --benchmark_out_format=json >"$program.log" 2>&1) ||
         { tail -n 20 "$results/$program.log" >&2; exit 1; }
 done
-python3 bench/report.py "$results" >docs/performance.md
+bench/report.py "$results"
+say "Wrote docs/performance.md and docs/plots"

@@ -1,0 +1,166 @@
+"""What every path has to reach, as rules over the results.
+
+A ratio is the other's time over ours, so above 1 we are faster; a rule asks for a ratio of at least so much.
+"""
+import dataclasses
+from typing import Callable, Optional
+
+from results import OURS, Results, is_limit
+
+
+@dataclasses.dataclass(frozen=True)
+class Verdict:
+    case: str
+    beside: str  # the peer, or what was computed
+    found: Optional[float]  # a ratio, or an exponent; None where it was not measured
+    needed: float
+    at_least: bool = True  # else: less than
+    strict: bool = False
+
+    @property
+    def met(self):
+        if self.found is None:
+            return None
+        if not self.at_least:
+            return self.found < self.needed
+        return self.found > self.needed if self.strict else self.found >= self.needed
+
+    @property
+    def margin(self):
+        return self.found / self.needed if self.at_least else self.needed / max(self.found, 1e-9)
+
+
+@dataclasses.dataclass(frozen=True)
+class Target:
+    path: str
+    what: str
+    rule: str
+    check: Callable[[Results], list]
+    reason: str = ""  # why it is not met and what was tried; shown while it is not met
+
+
+def named(*names):
+    """The peers of these names, or parts of names; all have to be there."""
+    return lambda path, peer: any(name.lower() in peer.lower() for name in names), names
+
+
+def every(*names, but=()):
+    """All peers, those of these names among them, except `but`; limits are no peers."""
+    return (lambda path, peer: peer != OURS and not is_limit(path, peer) and
+            not any(name.lower() in peer.lower() for name in but)), names
+
+
+def ratio(path, cases, needed, selection, strict=False):
+    """Ours is so many times as fast as the fastest that is selected, case by case."""
+    chosen, required = selection
+
+    def check(results):
+        verdicts = []
+        for case in cases:
+            ours = results.ours(path, case)
+            others = {peer: row for peer, row in results.peers(path, case).items()
+                      if peer != OURS and chosen(path, peer)}
+            missing = [name for name in required
+                       if not any(name.lower() in peer.lower() for peer in others)]
+            if ours is None or missing:
+                verdicts.append(Verdict(case, ", ".join(missing) or OURS, None, needed))
+                continue
+            fastest = min(others, key=lambda peer: others[peer].median)
+            verdicts.append(Verdict(case, fastest, others[fastest].median / ours.median, needed, strict=strict))
+        return verdicts
+    return check
+
+
+def growth(path, first, last, needed):
+    """The exponent of our growth between two cases is below a number."""
+    def check(results):
+        return [Verdict(f"{first[0]} to {last[0]}", "exponent of growth",
+                        results.exponent(path, OURS, first, last), needed, at_least=False)]
+    return check
+
+
+def together(*checks):
+    return lambda results: [verdict for check in checks for verdict in check(results)]
+
+
+def processor_flags():
+    with open("/proc/cpuinfo", encoding="utf-8") as info:
+        for line in info:
+            if line.startswith("flags"):
+                return set(line.split(":", 1)[1].split())
+    return set()
+
+
+def crc_by_processor():
+    """What the processor's carry-less multiplication allows."""
+    flags, cases = processor_flags(), ("1024", "65536")
+    if "vpclmulqdq" in flags:
+        return ratio("crc32", cases, 1.0, named("ISA-L"))
+    if "pclmulqdq" in flags:
+        return ratio("crc32", cases, 1.0, named("libdeflate"))
+    return ratio("crc32", cases, 1.5, named("slicing"))
+
+
+INTEGER_FORMATS = ("%d", "%s=%d\\n", "%02d:%02d:%02d", "0x%08lx", "%s of 100")
+PRINTF_PEERS = ("snprintf", "fmt::sprintf", "absl::StrFormat")
+RECORD_PEERS = ("cereal", "Boost.Serialization", "QDataStream", "standard stream")
+TREE_PEERS = ("std::map", "QSettings", "Poco", "Boost")
+WIDE, KEY = "keys:100/values:100", "keys:1/values:{}".format
+XML = ("10,000 values",)
+
+TARGETS = [
+    Target("crc32", "CRC-32 of 16 bytes", "no slower than libdeflate",
+           ratio("crc32", ("16",), 1.0, named("libdeflate"))),
+    Target("crc32", "CRC-32 of 1 and 64 KiB",
+           "the throughput of ISA-L where the processor multiplies vectors without carry, libdeflate's where it "
+           "does so with 128 bits, 1.5 times slicing-by-8's elsewhere", crc_by_processor()),
+    Target("crc32", "CRC-32 of 64 MiB", "within 1.2 times the time of a vector sum",
+           ratio("crc32", ("67108864",), 1 / 1.2, named("sum"))),
+    Target("format", "formatting integers and texts",
+           "no slower than the fastest of snprintf with an assignment, fmt::sprintf and absl::StrFormat",
+           ratio("format", INTEGER_FORMATS, 1.0, named(*PRINTF_PEERS))),
+    Target("format", "formatting reals", "3 times as fast as snprintf",
+           ratio("format", ("%f", "%.3f"), 3.0, named("snprintf"))),
+    Target("record", "writing a record to memory", "2 times as fast as the fastest peer",
+           ratio("record", ("write to memory",), 2.0, every(*RECORD_PEERS))),
+    Target("record", "reading a record from memory", "3 times as fast as the fastest peer",
+           ratio("record", ("read from memory",), 3.0, every(*RECORD_PEERS))),
+    Target("record", "a record to memory and back", "within 2.5 times memcpy",
+           ratio("record", ("write to memory", "read from memory"), 1 / 2.5, named("limit: memcpy"))),
+    Target("record", "1,000 records to a file and back", "2 times as fast as the fastest peer",
+           ratio("record", ("write to file", "read from file"), 2.0, every(*RECORD_PEERS))),
+    Target("record", "size and CRC of a record", "faster than a memory stream and zlib",
+           ratio("record", ("count with CRC",), 1.0, named("zlib"), strict=True)),
+    Target("tree look-up", "looking up an int32 by its path", "faster than every peer",
+           ratio("tree look-up", (WIDE, KEY(100000)), 1.0, every(*TREE_PEERS), strict=True)),
+    Target("tree look-up", "growth of look-ups", "an exponent below 0.1",
+           growth("tree look-up", (KEY(1000), 1000), (KEY(100000), 100000), 0.1)),
+    Target("tree build", "building one key", "faster than every peer",
+           ratio("tree build", (KEY(1000), KEY(10000), KEY(100000)), 1.0, every(*TREE_PEERS), strict=True)),
+    Target("tree build", "growth of building", "an exponent below 1.1",
+           growth("tree build", (KEY(1000), 1000), (KEY(100000), 100000), 1.1)),
+    Target("settings load", "loading 10,000 settings", "within 1.5 times Xerces-C's bare SAX2 reader",
+           ratio("settings load", XML, 1 / 1.5, named("Xerces-C SAX2"))),
+    Target("settings load", "loading 10,000 settings", "faster than Poco, Boost and Qt",
+           ratio("settings load", XML, 1.0, named("Poco", "Boost", "QXmlStreamReader"), strict=True)),
+    Target("settings save", "saving 10,000 settings safely", "faster than every peer but pugixml",
+           ratio("settings save", XML, 1.0, every("Poco", "Boost", "QXmlStreamWriter", "Xerces-C DOM",
+                                                  but=("pugixml",)), strict=True)),
+    Target("lines of a file", "1,000,000 lines of a file", "no slower than std::getline",
+           ratio("lines of a file", ("1,000,000, line feeds",), 1.0, named("std::getline"))),
+    Target("date to Julian day", "from a date to its Julian day", "faster than every peer",
+           ratio("date to Julian day", ("",), 1.0, every("absl", "QDate", "boost", "timegm"), strict=True)),
+    Target("Julian day to date", "from a Julian day to its date", "faster than every peer",
+           ratio("Julian day to date", ("",), 1.0, every("absl", "QDate", "boost", "gmtime_r"), strict=True)),
+    Target("time plus duration", "adding a duration to a time", "faster than every peer",
+           ratio("time plus duration", ("",), 1.0, every("absl", "QDate", "boost", "timegm"), strict=True)),
+    Target("time as text", "a time as text", "no slower than strftime alone",
+           ratio("time as text", ("",), 1.0, named("strftime"))),
+    Target("packed record", "a packed record of 6 items", "1.5 times as fast as snprintf and sscanf",
+           together(ratio("packed record", ("write",), 1.5, named("snprintf")),
+                    ratio("packed record", ("read",), 1.5, named("sscanf")))),
+    Target("registry", "reading a registry value", "within 1.5 times a bare prepared SELECT",
+           ratio("registry", ("read a value",), 1 / 1.5, named("bare SELECT"))),
+    Target("registry", "listing 10,000 values", "linear: an exponent below 1.1",
+           growth("registry", ("list 1,000 values", 1000), ("list 10,000 values", 10000), 1.1)),
+]
