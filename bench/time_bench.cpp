@@ -1,15 +1,14 @@
 // Times of 1950 to 2099: to Julian days, parts of a day included, and back, durations added, times as text.
 // Every peer starts from the fields of a time in its own form, or from the number of days, and ends with the
 // same result; one operation is one time.
+#include "bench/time_bench.h"
+
 #include "quarn/time/time.h"
 #include "quarn/time/time_value.h"
 
 #include <array>
-#include <chrono>
 #include <cstdint>
-#include <cstdio>
 #include <ctime>
-#include <random>
 #include <string>
 
 #include <benchmark/benchmark.h>
@@ -21,51 +20,31 @@
 
 namespace {
 
-constexpr std::size_t count = 1024;
-constexpr std::int64_t epoch = 2440588; // the Julian day that begins at noon of 1970-01-01
-
-struct Fields
-{
-    int year, month, day, hour, minute, second;
-    bool operator==(Fields const& other) const = default;
-};
-
-// What is added to each: 37 d 1:01:01.
-constexpr std::int64_t added = 37 * 86400 + 3661;
+using Bench::Added;
+using Bench::DayAndSecond;
+using Bench::Epoch;
+using Bench::Fields;
+using Bench::FromSeconds;
+using Bench::JulianDay;
+using Bench::Later;
+using Bench::MeasureTimes;
+using Bench::Original;
+using Bench::Split;
+using Bench::Text;
+using Bench::TheTimes;
+using Bench::TimeCount;
+using Bench::ToDays;
+using Bench::ToJulian;
 
 // The dates, in every peer's own form.
 struct Dates
 {
-    std::array<std::int64_t, count> seconds;
-    std::array<double, count> julian; // days
-    std::array<Fields, count> fields;
-    std::array<Quarn::Time, count> quarn;
-    std::array<std::tm, count> calendars;
+    std::array<Quarn::Time, TimeCount> quarn;
+    std::array<std::tm, TimeCount> calendars;
 #ifdef QUARN_HAVE_ABSL
-    std::array<absl::CivilSecond, count> absl;
+    std::array<absl::CivilSecond, TimeCount> absl;
 #endif
 };
-
-Fields FromSeconds(std::int64_t seconds)
-{
-    using namespace std::chrono;
-    sys_seconds const time{std::chrono::seconds(seconds)};
-    sys_days const day = floor<days>(time);
-    year_month_day const civil{day};
-    hh_mm_ss const clock{time - day};
-    return {int{civil.year()},
-            static_cast<int>(unsigned{civil.month()}),
-            static_cast<int>(unsigned{civil.day()}),
-            static_cast<int>(clock.hours().count()),
-            static_cast<int>(clock.minutes().count()),
-            static_cast<int>(clock.seconds().count())};
-}
-
-std::int64_t ToDays(Fields const& fields)
-{
-    using namespace std::chrono;
-    return sys_days{year{fields.year} / fields.month / fields.day}.time_since_epoch().count();
-}
 
 std::int64_t ToSeconds(Fields const& fields)
 {
@@ -96,15 +75,8 @@ Dates const& TheDates()
 {
     static Dates const& dates = *[] {
         auto* const made = new Dates;
-        std::mt19937_64 random(1);
-        std::uniform_int_distribution<std::int64_t> seconds(-631152000, 4102444799);
-        for (std::size_t i = 0; i < count; ++i) {
-            made->seconds[i] = seconds(random);
-            Fields const fields = FromSeconds(made->seconds[i]);
-            made->fields[i] = fields;
-            made->julian[i] =
-                static_cast<double>(ToDays(fields) + epoch) - 0.5 +
-                static_cast<double>(fields.hour * 3600 + fields.minute * 60 + fields.second) / 86400;
+        for (std::size_t i = 0; i < TimeCount; ++i) {
+            Fields const& fields = TheTimes().fields[i];
             made->quarn[i].Set(
                 static_cast<std::uint16_t>(fields.year), static_cast<std::uint8_t>(fields.month),
                 static_cast<std::uint8_t>(fields.day), static_cast<std::uint8_t>(fields.hour),
@@ -120,50 +92,23 @@ Dates const& TheDates()
     return dates;
 }
 
-// Measures `operation(i)` for each date, after it has been compared with the right result.
-template<typename Operation, typename Expected>
-void Measure(benchmark::State& state, Operation operation, Expected expected)
-{
-    for (std::size_t i = 0; i < count; ++i) {
-        if (!(operation(i) == expected(i))) {
-            state.SkipWithError("wrong result");
-            return;
-        }
-    }
-    std::size_t i = 0;
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(operation(i));
-        i = (i + 1) % count;
-    }
-}
-
 // ---- date and time to Julian day
-
-double SecondOfDay(Fields const& fields)
-{
-    return fields.hour * 3600 + fields.minute * 60 + fields.second;
-}
-
-double JulianDay(std::size_t i)
-{
-    return TheDates().julian[i];
-}
 
 void ToJulianQuarn(benchmark::State& state)
 {
     Dates const& dates = TheDates();
-    Measure(
+    MeasureTimes(
         state, [&](std::size_t i) { return dates.quarn[i].GetJulian(); }, JulianDay);
 }
 
 void ToJulianChrono(benchmark::State& state)
 {
-    Dates const& dates = TheDates();
-    Measure(
+    Bench::Times const& times = TheTimes();
+    MeasureTimes(
         state,
         [&](std::size_t i) {
-            Fields const& fields = dates.fields[i];
-            return static_cast<double>(ToDays(fields) + epoch) - 0.5 + SecondOfDay(fields) / 86400;
+            Fields const& fields = times.fields[i];
+            return ToJulian(ToDays(fields), fields.SecondOfDay());
         },
         JulianDay);
 }
@@ -171,11 +116,11 @@ void ToJulianChrono(benchmark::State& state)
 void ToJulianTimegm(benchmark::State& state)
 {
     Dates const& dates = TheDates();
-    Measure(
+    MeasureTimes(
         state,
         [&](std::size_t i) {
             std::tm calendar = dates.calendars[i];
-            std::int64_t const seconds = ::timegm(&calendar) + epoch * 86400;
+            std::int64_t const seconds = ::timegm(&calendar) + Epoch * 86400;
             return static_cast<double>(seconds / 86400) - 0.5 + static_cast<double>(seconds % 86400) / 86400;
         },
         JulianDay);
@@ -185,11 +130,11 @@ void ToJulianTimegm(benchmark::State& state)
 void ToJulianAbsl(benchmark::State& state)
 {
     Dates const& dates = TheDates();
-    Measure(
+    MeasureTimes(
         state,
         [&](std::size_t i) {
             absl::CivilSecond const& time = dates.absl[i];
-            std::int64_t const day = absl::CivilDay(time) - absl::CivilDay(1970, 1, 1) + epoch;
+            std::int64_t const day = absl::CivilDay(time) - absl::CivilDay(1970, 1, 1) + Epoch;
             return static_cast<double>(day) - 0.5 +
                    static_cast<double>(time.hour() * 3600 + time.minute() * 60 + time.second()) / 86400;
         },
@@ -199,52 +144,32 @@ void ToJulianAbsl(benchmark::State& state)
 
 // ---- Julian day to date and time
 
-Fields Original(std::size_t i)
-{
-    return TheDates().fields[i];
-}
-
-// A Julian day as days since 1970 and seconds, to the nearest.
-struct DayAndSecond
-{
-    std::int64_t day;
-    int second;
-    std::int64_t Seconds() const { return day * 86400 + second; }
-};
-
-DayAndSecond Split(double julian)
-{
-    double const days = julian + 0.5;
-    auto const day = static_cast<std::int64_t>(days);
-    return {day - epoch, static_cast<int>((days - static_cast<double>(day)) * 86400 + 0.5)};
-}
-
 void FromJulianQuarn(benchmark::State& state)
 {
-    Dates const& dates = TheDates();
-    Measure(
+    Bench::Times const& times = TheTimes();
+    MeasureTimes(
         state,
         [&](std::size_t i) {
             Quarn::Time time;
-            return Of(time.SetJulian(dates.julian[i]));
+            return Of(time.SetJulian(times.julian[i]));
         },
         Original);
 }
 
 void FromJulianChrono(benchmark::State& state)
 {
-    Dates const& dates = TheDates();
-    Measure(
-        state, [&](std::size_t i) { return FromSeconds(Split(dates.julian[i]).Seconds()); }, Original);
+    Bench::Times const& times = TheTimes();
+    MeasureTimes(
+        state, [&](std::size_t i) { return FromSeconds(Split(times.julian[i]).Seconds()); }, Original);
 }
 
 void FromJulianGmtime(benchmark::State& state)
 {
-    Dates const& dates = TheDates();
-    Measure(
+    Bench::Times const& times = TheTimes();
+    MeasureTimes(
         state,
         [&](std::size_t i) {
-            std::time_t const seconds = Split(dates.julian[i]).Seconds();
+            std::time_t const seconds = Split(times.julian[i]).Seconds();
             std::tm calendar;
             return Of(*::gmtime_r(&seconds, &calendar));
         },
@@ -254,11 +179,11 @@ void FromJulianGmtime(benchmark::State& state)
 #ifdef QUARN_HAVE_ABSL
 void FromJulianAbsl(benchmark::State& state)
 {
-    Dates const& dates = TheDates();
-    Measure(
+    Bench::Times const& times = TheTimes();
+    MeasureTimes(
         state,
         [&](std::size_t i) {
-            DayAndSecond const split = Split(dates.julian[i]);
+            DayAndSecond const split = Split(times.julian[i]);
             absl::CivilDay const day = absl::CivilDay(1970, 1, 1) + split.day;
             return Fields{static_cast<int>(day.year()), day.month(),      day.day(), split.second / 3600,
                           split.second / 60 % 60,       split.second % 60};
@@ -269,34 +194,29 @@ void FromJulianAbsl(benchmark::State& state)
 
 // ---- adding a duration
 
-Fields Later(std::size_t i)
-{
-    return FromSeconds(TheDates().seconds[i] + added);
-}
-
 void AddQuarn(benchmark::State& state)
 {
     Dates const& dates = TheDates();
     Quarn::TimeValue const duration(37, 1, 1, 1, 0, 0);
-    Measure(
+    MeasureTimes(
         state, [&](std::size_t i) { return Of(dates.quarn[i] + duration); }, Later);
 }
 
 void AddChrono(benchmark::State& state)
 {
-    Dates const& dates = TheDates();
-    Measure(
-        state, [&](std::size_t i) { return FromSeconds(ToSeconds(dates.fields[i]) + added); }, Later);
+    Bench::Times const& times = TheTimes();
+    MeasureTimes(
+        state, [&](std::size_t i) { return FromSeconds(ToSeconds(times.fields[i]) + Added); }, Later);
 }
 
 void AddTimegm(benchmark::State& state)
 {
     Dates const& dates = TheDates();
-    Measure(
+    MeasureTimes(
         state,
         [&](std::size_t i) {
             std::tm calendar = dates.calendars[i];
-            calendar.tm_sec += added;
+            calendar.tm_sec += Added;
             ::timegm(&calendar);
             return Of(calendar);
         },
@@ -307,34 +227,25 @@ void AddTimegm(benchmark::State& state)
 void AddAbsl(benchmark::State& state)
 {
     Dates const& dates = TheDates();
-    Measure(
-        state, [&](std::size_t i) { return Of(dates.absl[i] + added); }, Later);
+    MeasureTimes(
+        state, [&](std::size_t i) { return Of(dates.absl[i] + Added); }, Later);
 }
 #endif
 
 // ---- text
 
-std::string Text(std::size_t i)
-{
-    Fields const& fields = TheDates().fields[i];
-    char text[64];
-    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", fields.year, fields.month, fields.day,
-                  fields.hour, fields.minute, fields.second);
-    return text;
-}
-
 void FormatQuarn(benchmark::State& state)
 {
     Dates const& dates = TheDates();
     Quarn::string const format = "%Y-%m-%d %H:%M:%S";
-    Measure(
+    MeasureTimes(
         state, [&](std::size_t i) { return dates.quarn[i].Format(format); }, Text);
 }
 
 void FormatStrftime(benchmark::State& state)
 {
     Dates const& dates = TheDates();
-    Measure(
+    MeasureTimes(
         state,
         [&](std::size_t i) {
             char text[256];
@@ -346,14 +257,14 @@ void FormatStrftime(benchmark::State& state)
 
 void FormatSnprintf(benchmark::State& state)
 {
-    Measure(state, Text, Text);
+    MeasureTimes(state, Text, Text);
 }
 
 #ifdef QUARN_HAVE_ABSL
 void FormatAbsl(benchmark::State& state)
 {
     Dates const& dates = TheDates();
-    Measure(
+    MeasureTimes(
         state,
         [&](std::size_t i) {
             return absl::FormatTime("%Y-%m-%d %H:%M:%S", absl::FromCivil(dates.absl[i], absl::UTCTimeZone()),

@@ -35,10 +35,11 @@ std::vector<pt::ptime> const& Times()
 // From the fields, as the other peers: a date is a day's number already.
 void ToJulian(benchmark::State& state)
 {
+    Bench::Times const& times = Bench::TheTimes();
     Bench::MeasureTimes(
         state,
-        [](std::size_t i) {
-            Fields const& fields = Bench::TheTimes().fields[i];
+        [&](std::size_t i) {
+            Fields const& fields = times.fields[i];
             date const day(static_cast<unsigned short>(fields.year),
                            static_cast<unsigned short>(fields.month),
                            static_cast<unsigned short>(fields.day));
@@ -49,11 +50,12 @@ void ToJulian(benchmark::State& state)
 
 void FromJulian(benchmark::State& state)
 {
+    Bench::Times const& times = Bench::TheTimes();
     date const epoch(1970, 1, 1);
     Bench::MeasureTimes(
         state,
         [&](std::size_t i) {
-            Bench::DayAndSecond const split = Bench::Split(Bench::TheTimes().julian[i]);
+            Bench::DayAndSecond const split = Bench::Split(times.julian[i]);
             return Of(epoch + boost::gregorian::days(split.day), split.second);
         },
         Bench::Original);

@@ -34,10 +34,11 @@ std::vector<QDateTime> const& Times()
 // From the fields, as the other peers: a QDate is a day's number already.
 void ToJulian(benchmark::State& state)
 {
+    Bench::Times const& times = Bench::TheTimes();
     Bench::MeasureTimes(
         state,
-        [](std::size_t i) {
-            Fields const& fields = Bench::TheTimes().fields[i];
+        [&](std::size_t i) {
+            Fields const& fields = times.fields[i];
             qint64 const day = QDate(fields.year, fields.month, fields.day).toJulianDay();
             return Bench::ToJulian(day - Bench::Epoch, fields.SecondOfDay());
         },
@@ -46,10 +47,11 @@ void ToJulian(benchmark::State& state)
 
 void FromJulian(benchmark::State& state)
 {
+    Bench::Times const& times = Bench::TheTimes();
     Bench::MeasureTimes(
         state,
-        [](std::size_t i) {
-            Bench::DayAndSecond const split = Bench::Split(Bench::TheTimes().julian[i]);
+        [&](std::size_t i) {
+            Bench::DayAndSecond const split = Bench::Split(times.julian[i]);
             return Of(QDate::fromJulianDay(split.day + Bench::Epoch),
                       QTime::fromMSecsSinceStartOfDay(split.second * 1000));
         },
