@@ -11,6 +11,8 @@ KEY = "keys:1/values:{}".format
 EXPONENTS = [
     ("tree build", (KEY(1000), 1000), (KEY(100000), 100000)),
     ("tree look-up", (KEY(1000), 1000), (KEY(100000), 100000)),
+    ("settings growth, load", ("values:10000", 10000), ("values:1000000", 1000000)),
+    ("settings growth, save", ("values:10000", 10000), ("values:1000000", 1000000)),
     ("registry", ("list 1,000 values", 1000), ("list 10,000 values", 10000)),
     ("journal write", ("MB:1", 1), ("MB:100", 100)),
     ("journal read", ("MB:1", 1), ("MB:100", 100)),
@@ -72,9 +74,12 @@ def tree_figures(results, figures):
     if look_up and smaller:
         figures["million_factor"] = f"{look_up / smaller:.1f}"
     for name in ("load", "save"):
-        small = time(results, f"settings {name}", "10,000 values")
-        if small:
-            figures[f"million_{name}"] = span(small * 100 / 1e9)
+        row = results.ours(f"settings growth, {name}", "values:1000000")
+        if row:
+            figures[f"million_{name}"] = short(row.median, "ns")
+            if "bytes in file" in row.counters:
+                figures["million_file"] = amount(row.counters["bytes in file"])
+                figures["largest"] = f"{256 * 2**20 / row.counters['bytes in file']:.1f}"
 
 
 def journal_figures(results, figures):

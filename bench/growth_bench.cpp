@@ -1,6 +1,8 @@
 // How cost grows with the work: journals of 1 to 100 MB, one record at the far end of a journal of 100 GB,
 // and lines of the log.
 #include "quarn/platform/log.h"
+#include "quarn/properties/property_collection.h"
+#include "quarn/properties/win32/xml_persist.h"
 #include "quarn/stream/file_stream.h"
 #include "quarn/stream/header_block.h"
 #include "quarn/stream/stat_stream.h"
@@ -18,6 +20,7 @@
 namespace {
 
 constexpr char const* JournalPath = "growth_bench.journal";
+constexpr char const* SettingsPath = "growth_bench.xml";
 constexpr char const* LogPath = "growth_bench.log";
 constexpr std::uint32_t RecordId = 0x4A524E4C;
 
@@ -169,6 +172,47 @@ void AtTheEnd(benchmark::State& state)
     }
 }
 
+// A settings file of one key; its bytes a value are about those of the file of 10,000 values.
+void FillSettings(Quarn::PropertyCollection& tree, long count)
+{
+    Quarn::PropertyKey* const key = tree.AddSubKey("Key");
+    for (long i = 0; i < count; ++i) {
+        key->SetValue("Value" + std::to_string(i), Quarn::PropertyData("a usual text"), true);
+    }
+}
+
+void SaveSettings(benchmark::State& state)
+{
+    Scratch const scratch(SettingsPath);
+    Quarn::PropertyCollection tree("Growth", "Quarn_Properties");
+    FillSettings(tree, state.range(0));
+    for (auto _ : state) {
+        if (!Quarn::Win32::XMLPropPersist(SettingsPath).Persist(&tree)) {
+            state.SkipWithError("not saved");
+            return;
+        }
+    }
+}
+
+void LoadSettings(benchmark::State& state)
+{
+    Scratch const scratch(SettingsPath);
+    {
+        Quarn::PropertyCollection tree("Growth", "Quarn_Properties");
+        FillSettings(tree, state.range(0));
+        Quarn::Win32::XMLPropPersist(SettingsPath).Persist(&tree);
+    }
+    state.counters["bytes in file"] = static_cast<double>(std::filesystem::file_size(SettingsPath));
+    for (auto _ : state) {
+        Quarn::PropertyCollection tree;
+        if (!Quarn::Win32::XMLPropPersist(SettingsPath).Populate(&tree) ||
+            static_cast<long>(tree.GetSubKey(0)->GetValueCount()) != state.range(0)) {
+            state.SkipWithError("not loaded");
+            return;
+        }
+    }
+}
+
 // A line with its date, to a log that stays open.
 void LogLine(benchmark::State& state)
 {
@@ -203,6 +247,16 @@ void Megabytes(benchmark::internal::Benchmark* bench)
     bench->ArgName("MB")->Arg(1)->Arg(10)->Arg(100)->Unit(benchmark::kMillisecond);
 }
 
+// The largest once: it takes seconds.
+template<long Count>
+void Values(benchmark::internal::Benchmark* bench)
+{
+    bench->ArgName("values")->Arg(Count)->Unit(benchmark::kMillisecond)->UseRealTime();
+    if (Count == 1'000'000) {
+        bench->Iterations(1)->Repetitions(1);
+    }
+}
+
 BENCHMARK(Write)->Name("journal write/quarn")->Apply(Megabytes);
 BENCHMARK(Read)->Name("journal read/quarn")->Apply(Megabytes);
 BENCHMARK(Disk)
@@ -213,6 +267,10 @@ BENCHMARK(Disk)
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(AtTheEnd)->Name("journal end/quarn")->ArgName("MB")->Arg(1)->Arg(100'000);
+BENCHMARK(SaveSettings)->Name("settings growth, save/quarn")->Apply(Values<10'000>);
+BENCHMARK(SaveSettings)->Name("settings growth, save/quarn")->Apply(Values<1'000'000>);
+BENCHMARK(LoadSettings)->Name("settings growth, load/quarn")->Apply(Values<10'000>);
+BENCHMARK(LoadSettings)->Name("settings growth, load/quarn")->Apply(Values<1'000'000>);
 BENCHMARK(LogLine)->Name("log line/quarn/with its date");
 BENCHMARK(StdioLine)->Name("log line/fprintf of the same/with its date");
 

@@ -49,13 +49,15 @@ class Results:
                     row = rows[name]
                     which = "real_time" if name.endswith("/real_time") else "cpu_time"
                     row.times.append(run[which] * UNITS[run["time_unit"]])
-                    for counter in ("bytes_per_second", "bytes per value", "bytes per record"):
+                    for counter in ("bytes_per_second", "bytes per value", "bytes per record",
+                                    "bytes in file"):
                         if counter in run:
                             row.counters[counter] = run[counter]
                     order.setdefault(name, (number, run["family_index"], run["per_family_instance_index"]))
         for name in sorted(rows, key=order.get):
-            shown = name.removesuffix("/real_time")
-            parts = [part for part in shown.split("/") if not part.startswith("iterations:")]
+            # What the benchmark says of how it is run is no part of its case.
+            parts = [part for part in name.split("/")
+                     if part != "real_time" and not part.startswith(("iterations:", "repeats:"))]
             path, peer, case = parts[0], parts[1], "/".join(parts[2:])
             self.paths[path][case][peer] = rows[name]
 
