@@ -31,11 +31,6 @@ void CRC32::Add(unsigned long number)
     Add(detail::NarrowCount(number));
 }
 
-void CRC32::Add(void const* data, unsigned long n)
-{
-    m_register = detail::Crc32Update(m_register, static_cast<unsigned char const*>(data), n);
-}
-
 void CRC32::Add(string const& text)
 {
     Add(text.data(), detail::NarrowCount(text.size()));

@@ -7,9 +7,17 @@
 #include "quarn/export.h"
 #include "quarn/text/string.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace Quarn {
+
+namespace detail {
+
+// The register behind `n` more bytes.
+QUARN_API std::uint32_t Crc32Update(std::uint32_t reg, unsigned char const* data, std::size_t n);
+
+} // namespace detail
 
 class QUARN_API CRC32
 {
@@ -24,7 +32,10 @@ public:
     void Add(unsigned int number);
     void Add(unsigned long number);
     // `n` bytes at `data`, in order; `data` may be null when `n` is 0.
-    void Add(void const* data, unsigned long n);
+    void Add(void const* data, unsigned long n)
+    {
+        m_register = detail::Crc32Update(m_register, static_cast<unsigned char const*>(data), n);
+    }
     // The bytes of `text`, without length or terminator. Above 4294967295 bytes the length is narrowed as
     // Int64ToUInt32 does.
     void Add(string const& text);

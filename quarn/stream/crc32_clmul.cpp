@@ -1,162 +1,37 @@
-// CRC-32 by folding with carry-less multiplication, after V. Gopal et al., "Fast CRC Computation for Generic
-// Polynomials Using PCLMULQDQ Instruction" (Intel, 2009).
-//
-// A sum of the data so far is moved D bits ahead and added to the data there: the half with the
-// higher powers times x^(D+32), the other times x^(D-32), both modulo the polynomial P. All values are
-// bit-reflected, so such a constant is the reflected remainder shifted left by one.
+// The fold with vectors of 16 bytes.
+#include "quarn/stream/crc32_fold.h"
 #include "quarn/stream/crc32_update.h"
-
-#if defined(__GNUC__) && defined(__x86_64__)
-
-#include <array>
-
-#include <immintrin.h>
-
-#define QUARN_CLMUL __attribute__((target("pclmul,avx")))
 
 namespace Quarn::detail {
 
-namespace {
+#ifdef QUARN_HAVE_CLMUL
 
-constexpr std::uint64_t ReflectedPower(unsigned exponent)
+bool HasCarrylessMultiply()
 {
-    // x^exponent mod P, most significant coefficient first, then reflected.
-    std::uint32_t remainder = 1;
-    for (unsigned i = 0; i < exponent; ++i) {
-        remainder = (remainder << 1U) ^ ((remainder & 0x80000000U) != 0 ? 0x04C11DB7U : 0U);
-    }
-    std::uint64_t reflected = 0;
-    for (unsigned bit = 0; bit < 32; ++bit) {
-        reflected |= std::uint64_t{remainder >> bit & 1U} << (31U - bit);
-    }
-    return reflected << 1U;
+    return static_cast<bool>(__builtin_cpu_supports("pclmul")) &&
+           static_cast<bool>(__builtin_cpu_supports("avx"));
 }
 
-struct FoldPair
-{
-    std::uint64_t low;
-    std::uint64_t high;
-};
-
-constexpr FoldPair FoldBy(unsigned bits)
-{
-    return {ReflectedPower(bits + 32), ReflectedPower(bits - 32)};
-}
-
-// The values that the paper lists for this polynomial.
-static_assert(FoldBy(512).low == 0x154442BD4 && FoldBy(512).high == 0x1C6E41596);
-static_assert(FoldBy(128).low == 0x1751997D0 && FoldBy(128).high == 0x0CCAA009E);
-
-// By a number of 16-byte blocks; none by 0.
-constexpr std::array<FoldPair, 9> FoldByBlocks = {FoldPair{},      FoldBy(128),     FoldBy(128 * 2),
-                                                  FoldBy(128 * 3), FoldBy(128 * 4), FoldBy(128 * 5),
-                                                  FoldBy(128 * 6), FoldBy(128 * 7), FoldBy(128 * 8)};
-
-constexpr std::uint64_t FoldTo64 = ReflectedPower(64);
-static_assert(FoldTo64 == 0x163CD6124);
-constexpr std::uint64_t Polynomial = 0x1DB710641; // P, reflected, 33 bits
-constexpr std::uint64_t Barrett = 0x1F7011641;    // floor(x^64 / P), reflected, 33 bits
-
-QUARN_CLMUL inline __m128i Load(unsigned char const* p)
-{
-    return _mm_loadu_si128(reinterpret_cast<__m128i const*>(p));
-}
-
-QUARN_CLMUL inline __m128i Pair(FoldPair pair)
-{
-    return _mm_set_epi64x(static_cast<long long>(pair.high), static_cast<long long>(pair.low));
-}
-
-QUARN_CLMUL inline __m128i Fold(__m128i sum, __m128i data, __m128i by)
-{
-    __m128i const low = _mm_clmulepi64_si128(sum, by, 0x00);
-    __m128i const high = _mm_clmulepi64_si128(sum, by, 0x11);
-    return _mm_xor_si128(_mm_xor_si128(low, high), data);
-}
-
-// Folds the 16-byte blocks of the rest into `sum`, reduces to 32 bits, and takes the last bytes by table.
-QUARN_CLMUL inline std::uint32_t Finish(__m128i sum, unsigned char const* data, std::size_t n)
-{
-    __m128i const by128 = Pair(FoldByBlocks[1]);
-    for (; n >= 16; n -= 16, data += 16) {
-        sum = Fold(sum, Load(data), by128);
-    }
-
-    __m128i const low32 = _mm_setr_epi32(-1, 0, 0, 0);
-    // 128 bits (and the 32 zero bits that a CRC appends) to 96, to 64, then Barrett's reduction to 32.
-    sum = _mm_xor_si128(_mm_srli_si128(sum, 8), _mm_clmulepi64_si128(sum, by128, 0x10));
-    __m128i const to64 = _mm_set_epi64x(0, static_cast<long long>(FoldTo64));
-    sum = _mm_xor_si128(_mm_srli_si128(sum, 4), _mm_clmulepi64_si128(_mm_and_si128(sum, low32), to64, 0x00));
-    __m128i const reduce =
-        _mm_set_epi64x(static_cast<long long>(Barrett), static_cast<long long>(Polynomial));
-    __m128i quotient = _mm_clmulepi64_si128(_mm_and_si128(sum, low32), reduce, 0x10);
-    quotient = _mm_clmulepi64_si128(_mm_and_si128(quotient, low32), reduce, 0x00);
-    auto const reg = static_cast<std::uint32_t>(_mm_extract_epi32(_mm_xor_si128(sum, quotient), 1));
-    return Crc32Sliced(reg, data, n);
-}
-
-// Takes the blocks that `count` sums in step can take, as many as hide the latency of the multiplication, and
-// leaves their one sum. `first` is the first block with the register added; at least `count` blocks are
-// there.
-template<std::size_t count>
-QUARN_CLMUL inline __m128i FoldInStep(__m128i first, unsigned char const*& data, std::size_t& n)
-{
-    constexpr std::size_t stride = 16 * count;
-    __m128i sums[count]; // no std::array: GCC warns that it drops the type's attributes
-    sums[0] = first;
-    for (std::size_t i = 1; i < count; ++i) {
-        sums[i] = Load(data + 16 * i);
-    }
-    __m128i const byStride = Pair(FoldByBlocks[count]);
-    for (data += stride, n -= stride; n >= stride; n -= stride, data += stride) {
-        for (std::size_t i = 0; i < count; ++i) {
-            sums[i] = Fold(sums[i], Load(data + 16 * i), byStride);
-        }
-    }
-    // Each straight to the place of the last one, so that no multiplication waits for another.
-    __m128i sum = sums[count - 1];
-    for (std::size_t i = 0; i + 1 < count; ++i) {
-        sum = Fold(sums[i], sum, Pair(FoldByBlocks[count - 1 - i]));
-    }
-    return sum;
-}
-
-QUARN_CLMUL std::uint32_t UpdateByFolding(std::uint32_t reg, unsigned char const* data, std::size_t n)
+QUARN_CLMUL std::uint32_t Crc32Folding(std::uint32_t reg, unsigned char const* data, std::size_t n)
 {
     if (n < 16) {
         return Crc32Sliced(reg, data, n);
     }
-    __m128i const first = _mm_xor_si128(Load(data), _mm_cvtsi32_si128(static_cast<int>(reg)));
-    if (n >= 256) {
-        __m128i const sum = FoldInStep<8>(first, data, n);
-        return Finish(sum, data, n);
-    }
-    if (n >= 64) {
-        __m128i const sum = FoldInStep<4>(first, data, n);
-        return Finish(sum, data, n);
-    }
-    return Finish(first, data + 16, n - 16);
+    return FoldAll(_mm_xor_si128(Load(data), _mm_cvtsi32_si128(static_cast<int>(reg))), data, n);
 }
-
-} // namespace
-
-Crc32Function Crc32Folding()
-{
-    auto const multiplies = static_cast<bool>(__builtin_cpu_supports("pclmul"));
-    return multiplies && static_cast<bool>(__builtin_cpu_supports("avx")) ? UpdateByFolding : nullptr;
-}
-
-} // namespace Quarn::detail
 
 #else
 
-namespace Quarn::detail {
-
-Crc32Function Crc32Folding()
+bool HasCarrylessMultiply()
 {
-    return nullptr;
+    return false;
 }
 
-} // namespace Quarn::detail
+std::uint32_t Crc32Folding(std::uint32_t reg, unsigned char const* data, std::size_t n)
+{
+    return Crc32Sliced(reg, data, n);
+}
 
 #endif
+
+} // namespace Quarn::detail

@@ -1,5 +1,7 @@
 #include "quarn/stream/crc32_update.h"
 
+#include "quarn/stream/crc32.h"
+
 #include <array>
 #include <atomic>
 #include <bit>
@@ -54,8 +56,9 @@ constinit std::atomic<Crc32Function> g_best = UpdateForTheFirstTime;
 
 std::uint32_t UpdateForTheFirstTime(std::uint32_t reg, unsigned char const* data, std::size_t n)
 {
-    Crc32Function const folding = Crc32Folding();
-    Crc32Function const best = folding != nullptr ? folding : Crc32Sliced;
+    Crc32Function const best = HasVectorCarrylessMultiply() ? Crc32VectorFolding
+                               : HasCarrylessMultiply()     ? Crc32Folding
+                                                            : Crc32Sliced;
     g_best.store(best, std::memory_order_relaxed);
     return best(reg, data, n);
 }
@@ -89,8 +92,8 @@ std::uint32_t Crc32Sliced(std::uint32_t reg, unsigned char const* data, std::siz
 
 std::uint32_t Crc32Update(std::uint32_t reg, unsigned char const* data, std::size_t n)
 {
-    // Below this the tables are as fast.
-    constexpr std::size_t shortInput = 32;
+    // Below one block there is nothing to fold.
+    constexpr std::size_t shortInput = 16;
     return n < shortInput ? Crc32Sliced(reg, data, n) : g_best.load(std::memory_order_relaxed)(reg, data, n);
 }
 

@@ -1,5 +1,5 @@
-// The CRC-32 register update behind Quarn::CRC32, in several speeds with one result. Which one runs is
-// decided once per process from what the processor has.
+// The CRC-32 register update behind Quarn::CRC32, in several speeds with one result. Which one Crc32Update
+// (crc32.h) takes is decided once per process from what the processor has.
 #pragma once
 
 #include <cstddef>
@@ -18,10 +18,11 @@ std::uint32_t Crc32Plain(std::uint32_t reg, unsigned char const* data, std::size
 // Eight bytes at a time by eight tables ("slicing-by-8", M. Kounavis and F. Berry, 2005), on any processor.
 std::uint32_t Crc32Sliced(std::uint32_t reg, unsigned char const* data, std::size_t n);
 
-// The path by carry-less multiplication (crc32_clmul.cpp), or null where the processor has none.
-Crc32Function Crc32Folding();
-
-// The fastest of these on this processor.
-std::uint32_t Crc32Update(std::uint32_t reg, unsigned char const* data, std::size_t n);
+// By the carry-less multiplication of 64 bits (crc32_clmul.cpp), on processors that have it, and by that of
+// whole vectors (crc32_vector.cpp).
+bool HasCarrylessMultiply();
+std::uint32_t Crc32Folding(std::uint32_t reg, unsigned char const* data, std::size_t n);
+bool HasVectorCarrylessMultiply();
+std::uint32_t Crc32VectorFolding(std::uint32_t reg, unsigned char const* data, std::size_t n);
 
 } // namespace Quarn::detail
