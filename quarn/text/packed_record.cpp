@@ -4,14 +4,15 @@
 #include "quarn/text/number_text.h"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <locale>
 #include <sstream>
 #include <string_view>
-
-#include <string.h>
+#include <utility>
 
 namespace Quarn::detail {
 
@@ -27,30 +28,69 @@ std::uint32_t LowHalf(std::uint64_t value)
     return static_cast<std::uint32_t>(value);
 }
 
-template<typename Number>
-void AppendInteger(string& text, Number number)
+// The text of an item, the comma behind it included, as long as it is no text.
+class NumberItem
 {
-    char buffer[16];
-    text.append(buffer,
-                static_cast<std::size_t>(std::to_chars(buffer, buffer + sizeof buffer, number).ptr - buffer));
-}
+public:
+    std::string_view Text() const { return {m_text, static_cast<std::size_t>(m_end - m_text)}; }
 
-void AppendFloat(string& text, float number)
-{
-    char buffer[64]; // 39 digits, a sign, a point and six decimals at most
-    text.append(
-        buffer,
-        static_cast<std::size_t>(
-            std::to_chars(buffer, buffer + sizeof buffer, number, std::chars_format::fixed, 6).ptr - buffer));
-}
+    void Put(char c) { *m_end++ = c; }
 
-string Halves(std::uint32_t first, std::uint32_t second)
+    template<typename Integer>
+    void PutInteger(Integer number)
+    {
+        m_end = std::to_chars(m_end, std::end(m_text), number).ptr;
+    }
+
+    void PutHalves(std::uint32_t first, std::uint32_t second)
+    {
+        PutInteger(first);
+        Put(':');
+        PutInteger(second);
+    }
+
+    // As std::to_chars with six decimals: the nearest such number, of two the one with the even last digit.
+    void PutFloat(float number);
+
+private:
+    char m_text[64]; // a float has 39 digits, a sign, a point and six decimals at most
+    char* m_end = m_text;
+};
+
+void NumberItem::PutFloat(float number)
 {
-    string text;
-    AppendInteger(text, first);
-    text += ':';
-    AppendInteger(text, second);
-    return text;
+    constexpr std::uint32_t million = 1000000;
+    constexpr int wholeBits = 24; // of the significand, whose lowest bit then counts 1
+    auto const bits = std::bit_cast<std::uint32_t>(number);
+    int const exponent = static_cast<int>(bits >> 23U & 0xFFU) - 127 - (wholeBits - 1);
+    if (exponent > 64 - wholeBits) { // no longer an integer of 64 bits, infinite, or not a number
+        m_end = std::to_chars(m_end, std::end(m_text), number, std::chars_format::fixed, 6).ptr;
+        return;
+    }
+    // Numbers below the normal ones are less than half a millionth with or without their highest bit.
+    std::uint64_t const significand = (bits & 0x007FFFFFU) | 0x00800000U;
+    std::uint64_t whole = 0;
+    std::uint32_t decimals = 0;
+    if (exponent >= 0) {
+        whole = significand << static_cast<unsigned>(exponent);
+    } else {
+        std::uint64_t const scaled = significand * million; // below 2^44
+        auto const shift = static_cast<unsigned>(std::min(-exponent, 63));
+        std::uint64_t const half = std::uint64_t{1} << (shift - 1);
+        std::uint64_t const rest = scaled & (2 * half - 1);
+        std::uint64_t rounded = scaled >> shift;
+        rounded += rest > half || (rest == half && (rounded & 1U) != 0) ? 1 : 0;
+        whole = rounded / million;
+        decimals = static_cast<std::uint32_t>(rounded % million);
+    }
+    if ((bits >> 31U) != 0) {
+        Put('-');
+    }
+    PutInteger(whole);
+    Put('.');
+    for (std::uint32_t unit = million / 10; unit != 0; unit /= 10) {
+        Put(static_cast<char>('0' + decimals / unit % 10));
+    }
 }
 
 // The leading number of a text; 0 where there is none, infinity beyond the largest.
@@ -132,60 +172,68 @@ Pair ReadHalves(std::string_view field)
 void StoreHalves(void* target, std::uint32_t high, std::uint32_t low)
 {
     std::uint64_t const value = std::uint64_t{high} << 32 | low;
-    ::memcpy(target, &value, sizeof value);
+    std::memcpy(target, &value, sizeof value);
 }
 
 } // namespace
 
 string WritePackedRecord(char const* format, std::va_list args)
 {
-    string record;
-    string item;
+    std::string record;
+    record.reserve(16 * std::strlen(format)); // what items take as a rule
+    std::size_t itemBegin = 0;
     for (char const* letter = format; *letter != '\0'; ++letter) {
-        if (*letter == ' ') {
-            continue;
-        }
+        NumberItem item;
         switch (*letter) {
+        case ' ':
+            continue;
         case 'D':
         case 'L':
-            item.clear();
-            AppendInteger(item, va_arg(args, unsigned int));
+            item.PutInteger(va_arg(args, unsigned int));
             break;
         case 'i':
-            item.clear();
-            AppendInteger(item, va_arg(args, int));
+            item.PutInteger(va_arg(args, int));
             break;
         case 'b':
-            item = va_arg(args, int) != 0 ? "1" : "0";
+            item.Put(va_arg(args, int) != 0 ? '1' : '0');
             break;
         case 'd':
-            item.clear();
-            AppendFloat(item, static_cast<float>(va_arg(args, double))); // deliberately no more than a float
+            item.PutFloat(static_cast<float>(va_arg(args, double))); // deliberately no more than a float
             break;
         case 'f':
-            item.clear();
-            AppendFloat(item, *va_arg(args, float const*));
+            item.PutFloat(*va_arg(args, float const*));
             break;
         case 'T': {
             std::uint64_t const value = va_arg(args, std::uint64_t);
-            item = Halves(HighHalf(value), LowHalf(value));
+            item.PutHalves(HighHalf(value), LowHalf(value));
             break;
         }
         case 'v': {
             std::uint64_t const value = va_arg(args, std::uint64_t);
-            item = Halves(LowHalf(value), HighHalf(value));
+            item.PutHalves(LowHalf(value), HighHalf(value));
             break;
         }
         case 't':
-            item = letter == format ? ",\"" : "\"";
-            item.append(va_arg(args, string const*)->c_str()).append('"');
-            break;
-        default:
-            break;
+            itemBegin = record.size();
+            record.append(letter == format ? ",\"" : "\"");
+            record.append(va_arg(args, string const*)->c_str()).append("\",");
+            continue;
+        default: {
+            std::size_t const itemEnd = record.size();
+            if (itemEnd == 0) {
+                record.push_back(',');
+            } else {
+                record.append(record, itemBegin, itemEnd - itemBegin);
+            }
+            itemBegin = itemEnd;
+            continue;
         }
-        record.append(item).append(',');
+        }
+        item.Put(',');
+        itemBegin = record.size();
+        record.append(item.Text());
     }
-    return record;
+    return string(std::move(record));
 }
 
 bool ReadPackedRecord(string const& record, DrivePaths drivePaths, char const* format, std::va_list args)

@@ -2,9 +2,12 @@
 #include "tests/german_locale.h"
 #include "tests/registry/record_places.h"
 
+#include <bit>
+#include <charconv>
 #include <clocale>
 #include <cstdint>
 #include <limits>
+#include <random>
 
 namespace {
 
@@ -129,6 +132,43 @@ TYPED_TEST(RecordWriting, ALongTextIsKeptWhole)
     int number = 0;
     EXPECT_TRUE(this->m_place.Readf("it", &number, &read));
     EXPECT_TRUE(read == text);
+}
+
+// The text of a float by std::to_chars.
+string PlainFloat(float number)
+{
+    char text[64];
+    return string(
+        std::string(text, std::to_chars(text, std::end(text), number, std::chars_format::fixed, 6).ptr));
+}
+
+TEST(RecordWritingOfFloats, EqualsTheRoundedExactValueForEveryExponent)
+{
+    PropertyRecord place;
+    std::mt19937 random(6);
+    for (std::uint32_t signAndExponent = 0; signAndExponent < 512; ++signAndExponent) {
+        for (int i = 0; i < 60; ++i) {
+            // No, all and random bits behind the highest.
+            std::uint32_t const rest = i == 0 ? 0U : i == 1 ? 0x007FFFFFU : random() & 0x007FFFFFU;
+            auto const number = std::bit_cast<float>(signAndExponent << 23U | rest);
+            ASSERT_TRUE(place.Writef("f", &number));
+            ASSERT_EQ(place.Stored(), PlainFloat(number) + ",") << number;
+        }
+    }
+}
+
+TEST(RecordWritingOfFloats, RoundsHalfAMillionthToTheEvenDigit)
+{
+    PropertyRecord place;
+    float const down = 1.0F / 128; // 0.0078125
+    float const up = 3.0F / 128;   // 0.0234375
+    ASSERT_TRUE(place.Writef("ff", &down, &up));
+    EXPECT_EQ(place.Stored(), "0.007812,0.023438,");
+    for (int i = -5000; i < 5000; ++i) {
+        float const number = static_cast<float>(i) / 128;
+        ASSERT_TRUE(place.Writef("f", &number));
+        ASSERT_EQ(place.Stored(), PlainFloat(number) + ",") << number;
+    }
 }
 
 } // namespace
