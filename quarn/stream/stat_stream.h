@@ -8,6 +8,7 @@
 #include "quarn/stream/ostream.h"
 
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <ios>
 
@@ -25,15 +26,20 @@ public:
     statstream(Bool1 crcEnabled, Bool2 dumpMode) : ostream(dumpMode),
                                                    m_crcEnabled(crcEnabled)
     {}
-    statstream(statstream const& other) = default;
-    statstream& operator=(statstream const& other) = default;
+    statstream(statstream const& other);
+    statstream& operator=(statstream const& other);
     ~statstream() override;
 
     // The bytes counted, modulo 2^32.
-    unsigned long GetSize() const { return m_size; }
+    unsigned long GetSize() const { return m_size + Waiting(); }
     // The CRC of these bytes; that of no bytes where it is not enabled.
-    CRC32 const& GetCRC() const { return m_crc; }
-    unsigned long GetCRCValue() const { return m_crc.GetValue(); }
+    // The reference follows what is written later; each write costs more from then on.
+    CRC32 const& GetCRC() const;
+    unsigned long GetCRCValue() const
+    {
+        CountWaiting();
+        return m_crc.GetValue();
+    }
     // Starts again with size and CRC of no bytes.
     void Clear();
 
@@ -52,9 +58,24 @@ protected:
     ostream& output(unsigned char const* data, unsigned long n) override;
 
 private:
+    std::uint32_t Waiting() const
+    {
+        return m_window.next != nullptr ? static_cast<std::uint32_t>(m_window.next - m_block) : 0;
+    }
+    // Counts the bytes in the block, which is empty then.
+    void CountWaiting() const;
+    void OpenWindow();
+
+    static constexpr std::size_t BlockSize = 512;
+
     bool m_crcEnabled;
-    CRC32 m_crc;
-    std::uint32_t m_size = 0;
+    // What is written piece by piece waits in the block, so that the CRC takes many bytes at a time. Asking
+    // for the CRC empties it.
+    mutable CRC32 m_crc;
+    mutable std::uint32_t m_size = 0;
+    mutable detail::Window m_window;
+    mutable bool m_isWatched = false; // through the reference of GetCRC
+    unsigned char m_block[BlockSize];
 };
 
 } // namespace Quarn

@@ -5,6 +5,8 @@
 #include "tests/stream/fake_streams.h"
 #include "tests/stream/run_length_compressor.h"
 
+#include <cstdint>
+#include <random>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -104,6 +106,83 @@ TEST(StatStream, TheRestOfItsOperationsDoNothing)
     stream.clearstate();
     stream.close();
     EXPECT_EQ(stream.GetSize(), 4UL);
+}
+
+// Numbers, texts and blocks of all sizes, asked about in between, against the same bytes added at once.
+TEST(StatStream, CountsPiecesAsOneBlock)
+{
+    std::mt19937 random(8);
+    for (int round = 0; round < 20; ++round) {
+        statstream stream(true);
+        std::string bytes;
+        for (int piece = 0; piece < 60; ++piece) {
+            auto const number = static_cast<std::uint32_t>(random());
+            std::string const block(number % 7 == 0 ? number % 1500 : number % 40, static_cast<char>(number));
+            switch (number % 3) {
+            case 0:
+                stream << number;
+                bytes.append(reinterpret_cast<char const*>(&number), sizeof number);
+                break;
+            case 1:
+                stream << static_cast<char>(number);
+                bytes.push_back(static_cast<char>(number));
+                break;
+            default:
+                stream.write(block.data(), static_cast<unsigned long>(block.size()));
+                bytes += block;
+                break;
+            }
+            ASSERT_EQ(stream.GetSize(), bytes.size());
+            if (number % 4 == 0) {
+                CRC32 crc;
+                crc.Add(bytes.data(), static_cast<unsigned long>(bytes.size()));
+                ASSERT_EQ(stream.GetCRCValue(), crc.GetValue());
+                ASSERT_EQ(statstream(stream).GetCRCValue(), crc.GetValue());
+            }
+        }
+        statstream assigned(true);
+        assigned << 1 << 2;
+        assigned = stream;
+        EXPECT_EQ(assigned.GetSize(), bytes.size());
+        EXPECT_EQ(assigned.GetCRCValue(), stream.GetCRCValue());
+        stream.Clear();
+        EXPECT_EQ(stream.GetSize(), 0UL);
+        EXPECT_EQ(stream.GetCRCValue(), 0UL);
+    }
+}
+
+TEST(StatStream, ReferenceToTheCrcFollowsLaterWrites)
+{
+    statstream stream(true);
+    stream << 1;
+    CRC32 const& crc = stream.GetCRC();
+    stream << 2 << 3;
+    CRC32 expected;
+    for (unsigned int const number : {1U, 2U, 3U}) {
+        expected.Add(number);
+    }
+    EXPECT_EQ(crc.GetValue(), expected.GetValue());
+}
+
+TEST(StatStream, DerivedClassSeesEveryByte)
+{
+    class Watching : public statstream
+    {
+    public:
+        Watching() : statstream(true) {}
+        unsigned long seen = 0;
+
+    protected:
+        Quarn::ostream& output(unsigned char const* data, unsigned long n) override
+        {
+            seen += n;
+            return statstream::output(data, n);
+        }
+    };
+    Watching stream;
+    stream << 1 << 2.5 << Quarn::string("abc");
+    EXPECT_EQ(stream.seen, 4UL + 8 + 15);
+    EXPECT_EQ(stream.GetSize(), stream.seen);
 }
 
 TEST(NullStream, TakesEverything)
