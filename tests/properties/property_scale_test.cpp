@@ -184,7 +184,7 @@ TEST(DeepTree, IsMadeAndFreedWithoutADeepStack)
 
 TEST(DeepTree, IsCopiedAssignedCleanedAndClearedWithoutADeepStack)
 {
-    Quarn::string const path = DeepPath(200000);
+    Quarn::string const path = DeepPath(DeepLevel / 5);
     PropertyCollection root;
     PropertyKey const* const end = root.AddSubKey(path.c_str());
     PropertyCollection copy(root);

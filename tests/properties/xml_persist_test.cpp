@@ -1,6 +1,6 @@
 #include "quarn/properties/win32/xml_persist.h"
 
-#include "code_page.h"
+#include "tests/platform/process_text.h"
 #include "tests/platform/scratch_folder.h"
 #include "tree_dump.h"
 
@@ -80,8 +80,8 @@ TEST(XmlPersist, MarkupAndLineBreaksAreEscaped)
 
 TEST(XmlPersist, LettersOfTheCodePageAreUtf8InTheFile)
 {
-    PropertyCollection collection(InCodePage(u"Stra\u00DFe"), "Quarn_Properties");
-    collection.SetValue(InCodePage(u"Gr\u00F6\u00DFe"), PropertyData(InCodePage(u"10 \u20AC, 20 \u00B0C")),
+    PropertyCollection collection(ProcessText(u"Stra\u00DFe"), "Quarn_Properties");
+    collection.SetValue(ProcessText(u"Gr\u00F6\u00DFe"), PropertyData(ProcessText(u"10 \u20AC, 20 \u00B0C")),
                         true);
     ExpectGolden(collection, "letters.xml");
 }

@@ -77,7 +77,7 @@ TEST_F(XmlReader, GivesTheResultOfTheWalkForGeneratedDocuments)
 {
     int counts[4] = {};
     documents::Generator generator(20260101);
-    for (int i = 0; i < 6000; ++i) {
+    for (int i = 0; i < 4000; ++i) {
         ++counts[static_cast<int>(Compare(generator.Document()))];
         ASSERT_FALSE(HasFailure()) << "document " << i;
     }
@@ -90,7 +90,7 @@ TEST_F(XmlReader, GivesTheResultOfTheWalkForGeneratedDocuments)
 TEST_F(XmlReader, GivesTheResultOfTheWalkForDamagedDocuments)
 {
     documents::Generator generator(20260102);
-    for (int i = 0; i < 4000; ++i) {
+    for (int i = 0; i < 2500; ++i) {
         Compare(generator.Damaged(generator.Document()));
         ASSERT_FALSE(HasFailure()) << "document " << i;
     }

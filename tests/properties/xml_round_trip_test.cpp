@@ -1,7 +1,7 @@
 // What XML can carry comes back as it was; what it cannot is refused, and the old file stays.
 #include "quarn/properties/win32/xml_persist.h"
 
-#include "code_page.h"
+#include "tests/platform/process_text.h"
 #include "tests/platform/scratch_folder.h"
 #include "tree_dump.h"
 
@@ -47,13 +47,13 @@ std::vector<std::string> const& Texts()
         "</Value>",
         "\x7F",
         "a:b=c\\d/e;f,g",
-        InCodePage(u"\u00E4\u00F6\u00FC\u00DF"),
-        InCodePage(u"\u20AC\u00A0x"),
-        InCodePage(u"mixed \u00E9 and <ascii>"),
+        ProcessText(u"\u00E4\u00F6\u00FC\u00DF"),
+        ProcessText(u"\u20AC\u00A0x"),
+        ProcessText(u"mixed \u00E9 and <ascii>"),
         std::string(1 << 20, 'x'),
         std::string(1 << 17, ' '),
         std::string(1 << 16, '\n') + std::string(1 << 16, '\r'),
-        InCodePage(std::u16string(1 << 17, u'\u00E9')),
+        ProcessText(std::u16string(1 << 17, u'\u00E9')),
     };
     return texts;
 }
