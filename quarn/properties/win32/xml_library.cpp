@@ -22,6 +22,12 @@ bool StartXmlLibrary() noexcept
 {
     try {
         std::lock_guard const lock(LibraryMutex());
+        // One start is never matched: starting anew takes longer than loading a file of thousands of values.
+        static bool isKept = false;
+        if (!isKept) {
+            xercesc::XMLPlatformUtils::Initialize();
+            isKept = true;
+        }
         xercesc::XMLPlatformUtils::Initialize();
         return true;
     } catch (...) {

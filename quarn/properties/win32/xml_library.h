@@ -1,4 +1,4 @@
-// The XML library's life in this process: started by its first user, ended by its last.
+// The XML library's life in this process: started by its first user, and then kept until the process ends.
 #pragma once
 
 namespace Quarn::detail {

@@ -22,7 +22,8 @@ class QUARN_API XMLPropPersist
 {
 public:
     // For the file at `path`, which need not exist. Starts the XML library, whose users in the process are
-    // counted; the destructor is its counterpart.
+    // counted; the destructor is its counterpart. The first start, which takes some 15 ms, lasts until the
+    // process ends.
     XMLPropPersist(Quarn::string const& path);
     // The same path, and what is known of the file there.
     XMLPropPersist(XMLPropPersist const& other);
