@@ -78,7 +78,7 @@ def summary(results):
         lines.append(f"| {target.what} | {target.rule} | {cell(beside)} | {found} | {bound} "
                      f"| {MARKS[state]}{cases} |")
         if state is False:
-            reasons.append(f"- {target.what}, {target.rule}: {target.reason or 'not yet looked into.'}")
+            reasons.append(f"- {target.what}, {target.rule}: {target.reason or 'not yet looked into'}.")
     print(f"## Summary\n\n{counts[True]} of {len(targets.TARGETS)} targets are met, {counts[False]} are not, "
           f"{counts[None]} could not be measured. Of several cases the tightest is shown.\n")
     print("| path | target | beside | ratio | needed | |\n|---|---|---|--:|--:|---|")
