@@ -13,32 +13,50 @@ namespace {
 
 using Quarn::Time;
 
-TEST(TimeThreads, EightConvertAtOnceAndGetTheirOwnTimes)
+// The moments of one thread, and what they are.
+struct Share
 {
-    constexpr int threadCount = 8;
-    constexpr int momentCount = 50;
-    constexpr int rounds = 20;
-    std::vector<std::thread> threads;
-    std::vector<int> wrong(threadCount, 0);
-    for (int number = 0; number < threadCount; ++number) {
-        // Expectations are made before any thread runs.
-        std::vector<std::int64_t> moments;
-        std::vector<Time> utc;
-        std::vector<Time> local;
-        for (int i = 0; i < momentCount; ++i) {
+    explicit Share(int number)
+    {
+        for (int i = 0; i < 50; ++i) {
             moments.push_back(100000 + std::int64_t{number} * 400000007 + std::int64_t{i} * 86399);
             utc.emplace_back(moments.back(), true);
             local.emplace_back(moments.back(), false);
         }
-        threads.emplace_back([moments, utc, local, &errors = wrong[static_cast<std::size_t>(number)]] {
+    }
+
+    int Errors() const
+    {
+        int errors = 0;
+        for (std::size_t i = 0; i < moments.size(); ++i) {
+            Time time;
+            time.SetUTC(moments[i]);
+            errors += time == utc[i] ? 0 : 1;
+            time.SetLocal(moments[i]);
+            errors += time == local[i] ? 0 : 1;
+        }
+        return errors;
+    }
+
+    std::vector<std::int64_t> moments;
+    std::vector<Time> utc;
+    std::vector<Time> local;
+};
+
+TEST(TimeThreads, EightConvertAtOnceAndGetTheirOwnTimes)
+{
+    constexpr int threadCount = 8;
+    constexpr int rounds = 20;
+    std::vector<Share> shares; // made before any thread runs
+    for (int number = 0; number < threadCount; ++number) {
+        shares.emplace_back(number);
+    }
+    std::vector<int> wrong(threadCount, 0);
+    std::vector<std::thread> threads;
+    for (std::size_t number = 0; number < shares.size(); ++number) {
+        threads.emplace_back([&share = shares[number], &errors = wrong[number]] {
             for (int round = 0; round < rounds; ++round) {
-                for (std::size_t i = 0; i < moments.size(); ++i) {
-                    Time time;
-                    time.SetUTC(moments[i]);
-                    errors += time == utc[i] ? 0 : 1;
-                    time.SetLocal(moments[i]);
-                    errors += time == local[i] ? 0 : 1;
-                }
+                errors += share.Errors();
             }
         });
     }
