@@ -135,9 +135,7 @@ TARGETS = [
     Target("record", "a record to memory and back", "within 2.5 times memcpy",
            ratio("record", ("write to memory", "read from memory"), 1 / 2.5, named("limit: memcpy"))),
     Target("record", "1,000 records to a file and back", "2 times as fast as the fastest peer",
-           ratio("record", ("write to file", "read from file"), 2.0, every(*RECORD_PEERS)),
-           "every value that is written calls the standard library's stream; the buffer that it lends for typed "
-           "reads is not lent for writes yet"),
+           ratio("record", ("write to file", "read from file"), 2.0, every(*RECORD_PEERS))),
     Target("record", "size and CRC of a record", "faster than a memory stream and zlib",
            ratio("record", ("count with CRC",), 1.0, named("zlib"), strict=True)),
     Target("tree look-up", "looking up an int32 by its path", "faster than every peer",

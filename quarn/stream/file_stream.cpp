@@ -52,7 +52,8 @@ std::streamoff Offset(unsigned long offset)
     return static_cast<std::uint32_t>(offset);
 }
 
-// The bytes that a file's buffer has at hand, which the standard shows to derived classes alone.
+// The buffer of a file, which the standard shows to derived classes alone: the bytes at hand for reading, and
+// the room for writing.
 struct AtHand : std::filebuf
 {
     static unsigned char* First(std::filebuf const& buffer)
@@ -66,6 +67,19 @@ struct AtHand : std::filebuf
     static void Skip(std::filebuf& buffer, std::ptrdiff_t count)
     {
         (buffer.*&AtHand::gbump)(static_cast<int>(count));
+    }
+
+    static unsigned char* FirstRoom(std::filebuf const& buffer)
+    {
+        return reinterpret_cast<unsigned char*>((buffer.*&AtHand::pptr)());
+    }
+    static unsigned char* LastRoom(std::filebuf const& buffer)
+    {
+        return reinterpret_cast<unsigned char*>((buffer.*&AtHand::epptr)());
+    }
+    static void Fill(std::filebuf& buffer, std::ptrdiff_t count)
+    {
+        (buffer.*&AtHand::pbump)(static_cast<int>(count));
     }
 };
 
@@ -209,29 +223,56 @@ istream& ifstream::input(unsigned char* buffer, unsigned long n)
 
 void ofstream::MarkUnopened()
 {
+    SetWindow(&m_window);
     m_stream.setstate(std::ios_base::failbit);
 }
 
-ofstream::~ofstream() = default;
+ofstream::~ofstream()
+{
+    CloseWindow();
+}
+
+// As that of ifstream.
+void ofstream::OpenWindow()
+{
+    if (m_stream.good() && &typeid(*this) == &typeid(ofstream)) {
+        m_window.next = AtHand::FirstRoom(*m_stream.rdbuf());
+        m_window.end = AtHand::LastRoom(*m_stream.rdbuf());
+    }
+}
+
+void ofstream::CloseWindow()
+{
+    if (m_window.next != nullptr) {
+        AtHand::Fill(*m_stream.rdbuf(), m_window.next - AtHand::FirstRoom(*m_stream.rdbuf()));
+        m_window.next = nullptr;
+        m_window.end = nullptr;
+    }
+}
 
 void ofstream::open(char const* path, int mode)
 {
+    SetWindow(&m_window);
+    CloseWindow();
     Open(m_stream, m_path, path, mode, std::ios_base::out);
 }
 
 void ofstream::close()
 {
+    CloseWindow();
     m_stream.close();
 }
 
 ostream& ofstream::flush()
 {
+    CloseWindow();
     m_stream.flush();
     return *this;
 }
 
 ostream& ofstream::seekp(unsigned long offset, unsigned int direction)
 {
+    CloseWindow();
     std::ios_base::seekdir standard = std::ios_base::beg;
     if (Direction(direction, standard)) {
         m_stream.seekp(Offset(offset), standard);
@@ -243,12 +284,14 @@ ostream& ofstream::seekp(unsigned long offset, unsigned int direction)
 
 ostream& ofstream::seekp(std::streampos position)
 {
+    CloseWindow();
     m_stream.seekp(position);
     return *this;
 }
 
 std::streampos ofstream::tellp()
 {
+    CloseWindow();
     return m_stream.tellp();
 }
 
@@ -264,15 +307,18 @@ bool ofstream::IsValidOutput() const
 
 void ofstream::clearstate()
 {
+    CloseWindow();
     m_stream.clear();
 }
 
 ostream& ofstream::output(unsigned char const* data, unsigned long n)
 {
+    CloseWindow();
     m_stream.write(reinterpret_cast<char const*>(data), detail::NarrowCount(n));
     if (m_stream.fail()) {
         throw StreamException(StreamException::GenericWrite);
     }
+    OpenWindow();
     return *this;
 }
 

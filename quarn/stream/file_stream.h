@@ -119,8 +119,12 @@ protected:
 
 private:
     void MarkUnopened();
+    void OpenWindow();
+    void CloseWindow();
 
     std::ofstream m_stream;
+    // Over the room in the standard stream's buffer.
+    detail::Window m_window;
     string m_path;
 };
 

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <fstream>
+#include <random>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -146,6 +147,73 @@ TEST(FileStream, AWriterGoesOnAfterClearstate)
     stream << 'c';
     stream.close();
     EXPECT_EQ(ContentOf(path), "ac");
+}
+
+// A class of its own, so that every write goes through output().
+struct PlainFile : ofstream
+{
+    using ofstream::ofstream;
+};
+
+template<typename Random>
+void WriteSomething(ofstream& file, unsigned int what, Random& random)
+{
+    std::size_t const size = random() % 5 == 0 ? random() % 20000 : random() % 100;
+    switch (what) {
+    case 0:
+        file << static_cast<int>(random());
+        break;
+    case 1:
+        file << static_cast<double>(random()) << 'x';
+        break;
+    case 2:
+        file << Quarn::string(std::string(size, 't'));
+        break;
+    case 3:
+        file.write(std::string(size, 'r').data(), static_cast<unsigned long>(size));
+        break;
+    case 4:
+        file.seekp(static_cast<unsigned long>(random() % 30000), 0);
+        break;
+    default:
+        file.flush();
+        break;
+    }
+}
+
+TEST(FileStream, AWriterIsInNoWayOtherThanOneWithoutABufferAtHand)
+{
+    for (unsigned int seed = 1; seed <= 6; ++seed) {
+        ScratchFolder const folder;
+        ofstream file((folder / "file").c_str(), ios_base::binary);
+        PlainFile plain((folder / "plain").c_str(), ios_base::binary);
+        std::mt19937 steps(seed);
+        std::mt19937 values(seed);
+        std::mt19937 sameValues(seed);
+        for (int step = 0; step < 200; ++step) {
+            unsigned int const what = steps() % 20 < 18 ? steps() % 4 : 4 + steps() % 2;
+            WriteSomething(file, what, values);
+            WriteSomething(plain, what, sameValues);
+            if (what >= 4 || steps() % 10 == 0) {
+                ASSERT_EQ(file.tellp(), plain.tellp()) << seed << ' ' << step;
+            }
+            if (what == 5) {
+                ASSERT_EQ(ContentOf(folder / "file"), ContentOf(folder / "plain")) << seed << ' ' << step;
+            }
+        }
+        file.close();
+        plain.close();
+        ASSERT_EQ(ContentOf(folder / "file"), ContentOf(folder / "plain")) << seed;
+        ofstream more((folder / "file").c_str(), ios_base::binary | ios_base::app);
+        more << 1 << 2;
+        EXPECT_EQ(ContentOf(folder / "file").size(), ContentOf(folder / "plain").size());
+        more.open((folder / "file").c_str(), ios_base::binary);
+        EXPECT_FALSE(more.IsValidOutput()); // it is open already
+        more.clearstate();
+        more << 3;
+        more.close();
+        EXPECT_EQ(ContentOf(folder / "file").size(), ContentOf(folder / "plain").size() + 12);
+    }
 }
 
 TEST(FileStream, TwoReadersAndAWriterShareAFile)
