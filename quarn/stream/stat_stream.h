@@ -32,8 +32,8 @@ public:
 
     // The bytes counted, modulo 2^32.
     unsigned long GetSize() const { return m_size + Waiting(); }
-    // The CRC of these bytes; that of no bytes where it is not enabled.
-    // The reference follows what is written later; each write costs more from then on.
+    // The CRC of these bytes; that of no bytes where it is not enabled. The reference lives as long as the
+    // stream and follows what is written later; each write costs more from then on (not by GetCRCValue).
     CRC32 const& GetCRC() const;
     unsigned long GetCRCValue() const
     {

@@ -13,11 +13,11 @@ namespace Quarn::detail {
 
 namespace {
 
-constexpr int largestNumber = 4095;
+constexpr int LargestNumber = 4095;
 // Around as many digits: sign, prefix, decimal point and exponent.
-constexpr std::size_t conversionRoom = largestNumber + 64;
+constexpr std::size_t ConversionRoom = LargestNumber + 64;
 
-constexpr char zeroByte = '\0';
+constexpr char ZeroByte = '\0';
 
 struct BareConversion
 {
@@ -47,7 +47,7 @@ int TakeNumber(char const*& p)
     }
     int number = 0;
     for (; *p >= '0' && *p <= '9'; ++p) {
-        number = std::min(number * 10 + (*p - '0'), largestNumber);
+        number = std::min(number * 10 + (*p - '0'), LargestNumber);
     }
     return number;
 }
@@ -78,7 +78,7 @@ int Print(char* buffer, char const* format, ...)
 {
     std::va_list args;
     va_start(args, format);
-    int const length = FormatBounded(buffer, conversionRoom, format, args);
+    int const length = FormatBounded(buffer, ConversionRoom, format, args);
     va_end(args);
     return length;
 }
@@ -139,7 +139,7 @@ private:
             return PutPadded(conversion, "0000000000000000");
         case 'c':
         case 'C':
-            return PutPadded(conversion, {&zeroByte, 1});
+            return PutPadded(conversion, {&ZeroByte, 1});
         case 's':
         case 'S':
             return PutPadded(conversion, {});
@@ -165,7 +165,7 @@ private:
     {
         std::string format = conversion.Has('#') ? "%#.*" : "%.*";
         format += conversion.letter;
-        char buffer[conversionRoom];
+        char buffer[ConversionRoom];
         int const length = Print(buffer, format.c_str(), conversion.precision, 0.0);
         if (length < 0 || static_cast<std::size_t>(length) >= sizeof buffer) {
             return false;

@@ -6,7 +6,7 @@ namespace Quarn {
 
 namespace {
 
-constexpr int secondsPerDay = 86400;
+constexpr int SecondsPerDay = 86400;
 
 int SecondOfDay(Time const& time)
 {
@@ -86,7 +86,7 @@ std::tm* Time::Get_tm(std::tm* calendar) const
         calendar->tm_mon = GetMonth() - 1;
         calendar->tm_year = GetYear() - 1900;
         // Hours from 24 on are those of the next day.
-        calendar->tm_wday = static_cast<int>((DayOf(*this) + 1 + SecondOfDay(*this) / secondsPerDay) % 7);
+        calendar->tm_wday = static_cast<int>((DayOf(*this) + 1 + SecondOfDay(*this) / SecondsPerDay) % 7);
         calendar->tm_isdst = -1;
     }
     return calendar;

@@ -8,9 +8,9 @@ namespace Quarn {
 
 namespace {
 
-constexpr std::uint32_t minutesPerDay = 1440;
+constexpr std::uint32_t MinutesPerDay = 1440;
 // The number of the day 0000-01-01, at whose beginning a duration of 0 lies.
-constexpr int firstDay = 1721058;
+constexpr int FirstDay = 1721058;
 
 // A number of seconds below a minute as a fraction.
 std::uint32_t ToRoundedFraction(std::int64_t seconds, std::int64_t milliseconds, std::int64_t microseconds)
@@ -34,8 +34,8 @@ inline std::uint32_t ToFraction(std::int64_t seconds, std::int64_t milliseconds,
 inline TimeValue Distance(Time const& time)
 {
     auto const days = static_cast<std::uint32_t>(
-        detail::DayNumber(time.GetYear(), time.GetMonth(), time.GetDate()) - firstDay);
-    return {days * minutesPerDay + time.GetHour() * 60U + time.GetMinute() + time.GetSecond() / 60U,
+        detail::DayNumber(time.GetYear(), time.GetMonth(), time.GetDate()) - FirstDay);
+    return {days * MinutesPerDay + time.GetHour() * 60U + time.GetMinute() + time.GetSecond() / 60U,
             ToFraction(time.GetSecond(), time.GetMilliSecond(), time.GetMicroSecond())};
 }
 
@@ -72,8 +72,8 @@ inline Time TimeAfter(TimeValue const& distance)
 {
     constexpr std::uint32_t lastSecond = 59;
     std::uint32_t const minutes = distance.GetMinutes();
-    detail::CivilDay const civil = detail::CivilDateIn(minutes / minutesPerDay + firstDay);
-    std::uint32_t const minute = minutes % minutesPerDay;
+    detail::CivilDay const civil = detail::CivilDateIn(minutes / MinutesPerDay + FirstDay);
+    std::uint32_t const minute = minutes % MinutesPerDay;
     Second const second = FromFraction(distance.GetFraction());
     return {static_cast<std::uint16_t>(civil.year),
             static_cast<std::uint8_t>(civil.month),
@@ -128,8 +128,8 @@ void TimeValue::ParseTime(Parse* parts) const
         return;
     }
     Second const second = FromFraction(m_fraction);
-    parts->days = static_cast<std::int32_t>(m_minutes / minutesPerDay);
-    parts->hours = static_cast<std::int32_t>(m_minutes % minutesPerDay / 60);
+    parts->days = static_cast<std::int32_t>(m_minutes / MinutesPerDay);
+    parts->hours = static_cast<std::int32_t>(m_minutes % MinutesPerDay / 60);
     parts->minutes = static_cast<std::int32_t>(m_minutes % 60);
     parts->seconds = static_cast<std::int32_t>(second.seconds);
     parts->milliseconds = second.milliseconds;

@@ -4,14 +4,14 @@ namespace Quarn {
 
 namespace {
 
-constexpr auto g_end = static_cast<Distance<float>::Unit>(-1);
-constexpr int g_distanceUnits = Distance<float>::Unknown; // that are one
-constexpr int g_timeUnits = 8;
+constexpr auto EndMarker = static_cast<Distance<float>::Unit>(-1);
+constexpr int DistanceUnits = Distance<float>::Unknown; // that are one
+constexpr int TimeUnits = 8;
 
 // The unit of a list of two.
 Distance<float>::Unit OneOfTwo(int index, Distance<float>::Unit first, Distance<float>::Unit second)
 {
-    return index == 0 ? first : index == 1 ? second : g_end;
+    return index == 0 ? first : index == 1 ? second : EndMarker;
 }
 
 } // namespace
@@ -22,7 +22,7 @@ VelocityUnitEnumerator::~VelocityUnitEnumerator() = default;
 
 Distance<float>::Unit DistanceUnitEnumerator::Enumerate(int index)
 {
-    return index <= g_distanceUnits ? static_cast<Distance<float>::Unit>(index) : g_end;
+    return index <= DistanceUnits ? static_cast<Distance<float>::Unit>(index) : EndMarker;
 }
 
 Distance<float>::Unit LargeDistanceUnitEnumerator::Enumerate(int index)
@@ -42,16 +42,16 @@ Distance<float>::Unit SmallDistanceUnitEnumerator::Enumerate(int index)
 
 Velocity<float>::Unit VelocityUnitEnumerator::Enumerate(int index)
 {
-    if (index / g_timeUnits >= g_distanceUnits) {
-        return {g_end, -1};
+    if (index / TimeUnits >= DistanceUnits) {
+        return {EndMarker, -1};
     }
-    return {static_cast<Distance<float>::Unit>(index / g_timeUnits), index % g_timeUnits};
+    return {static_cast<Distance<float>::Unit>(index / TimeUnits), index % TimeUnits};
 }
 
 Velocity<float>::Unit VelocityUnitEnumerator1::Enumerate(int index)
 {
     Distance<float>::Unit const unit = OneOfTwo(index, Distance<float>::Foot, Distance<float>::Meter);
-    return {unit, unit == g_end ? -1 : 0};
+    return {unit, unit == EndMarker ? -1 : 0};
 }
 
 } // namespace Quarn

@@ -18,15 +18,15 @@
 
 namespace {
 
-constexpr int g_threads = 8;
+constexpr int ThreadCount = 8;
 
 // Runs the function in every thread at once; what each returned, in the threads' order.
 template<typename Function>
 std::vector<std::string> InEachThread(Function function)
 {
-    std::vector<std::string> results(g_threads);
+    std::vector<std::string> results(ThreadCount);
     std::vector<std::thread> threads;
-    for (int number = 0; number < g_threads; ++number) {
+    for (int number = 0; number < ThreadCount; ++number) {
         threads.emplace_back(
             [&results, &function, number] { results[static_cast<std::size_t>(number)] = function(number); });
     }
@@ -40,7 +40,7 @@ template<typename Function>
 std::vector<std::string> OneAfterTheOther(Function function)
 {
     std::vector<std::string> results;
-    for (int number = 0; number < g_threads; ++number) {
+    for (int number = 0; number < ThreadCount; ++number) {
         results.push_back(function(number));
     }
     return results;
@@ -155,7 +155,7 @@ TEST(Threads, AMutexLetsOneThroughAtATime)
         return std::string();
     };
     InEachThread(work);
-    EXPECT_EQ(counter, g_threads * 50);
+    EXPECT_EQ(counter, ThreadCount * 50);
 }
 
 } // namespace

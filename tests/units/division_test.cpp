@@ -65,9 +65,9 @@ static_assert(Distance::Meter == 0 && Distance::Centimeter == 1 && Distance::Mil
               Distance::Kilometer == 6 && Distance::Mil == 7 && Distance::Inch == 8 && Distance::Foot == 9 &&
               Distance::Yard == 10 && Distance::Mile == 11 && Distance::Unknown == 12);
 
-constexpr int g_units = 13;
+constexpr int UnitCount = 13;
 // The length of each unit in units of 0.1 nanometers: whole numbers.
-constexpr std::int64_t g_lengths[g_units] = {
+constexpr std::int64_t Lengths[UnitCount] = {
     10'000'000'000,
     100'000'000,
     10'000'000,
@@ -95,7 +95,7 @@ float In(Distance::Unit unit, Distance const& distance)
 }
 
 // Three roundings to float, and those of the two factors.
-constexpr double g_singlePrecision = 3 * 1.1920929e-7;
+constexpr double SinglePrecision = 3 * 1.1920929e-7;
 
 TEST(Quantity, HasNoUnitAtFirst)
 {
@@ -127,7 +127,7 @@ TEST(Division, GivesTheTimeInTheVelocitysTimeUnit)
     EXPECT_EQ(meters.value, 1.0F);
     DTime const feet = Distance{Distance::Foot, 3.0F} / Velocity{{Distance::Yard, 0}, 1.0F};
     EXPECT_EQ(feet.unit, 0);
-    EXPECT_NEAR(feet.value, 1.0, g_singlePrecision);
+    EXPECT_NEAR(feet.value, 1.0, SinglePrecision);
 }
 
 TEST(Division, TakesAnyNumberForATimeUnit)
@@ -140,12 +140,12 @@ TEST(Division, TakesAnyNumberForATimeUnit)
 
 TEST(Division, ConvertsBetweenEveryTwoUnitsAsTheirExactLengthsDo)
 {
-    for (int from = 0; from < g_units; ++from) {
-        for (int to = 0; to < g_units; ++to) {
+    for (int from = 0; from < UnitCount; ++from) {
+        for (int to = 0; to < UnitCount; ++to) {
             for (float const value : {1.0F, -3.0F, 0.1F, 12345.678F}) {
-                double const exact = static_cast<double>(value) * static_cast<double>(g_lengths[from]) /
-                                     static_cast<double>(g_lengths[to]);
-                EXPECT_NEAR(In(UnitOf(to), {UnitOf(from), value}), exact, std::abs(exact) * g_singlePrecision)
+                double const exact = static_cast<double>(value) * static_cast<double>(Lengths[from]) /
+                                     static_cast<double>(Lengths[to]);
+                EXPECT_NEAR(In(UnitOf(to), {UnitOf(from), value}), exact, std::abs(exact) * SinglePrecision)
                     << value << " of unit " << from << " in unit " << to;
             }
         }
@@ -154,7 +154,7 @@ TEST(Division, ConvertsBetweenEveryTwoUnitsAsTheirExactLengthsDo)
 
 TEST(Division, LeavesTheValueAloneBetweenEqualUnits)
 {
-    for (int unit = -2; unit < g_units + 2; ++unit) {
+    for (int unit = -2; unit < UnitCount + 2; ++unit) {
         for (float const value : {0.1F, -7.7F, std::numeric_limits<float>::max(), 1.0e-45F}) {
             EXPECT_EQ(In(UnitOf(unit), {UnitOf(unit), value}), value) << unit;
         }
@@ -205,14 +205,14 @@ TEST(Division, RoundsEachStepForGeneratedValues)
     std::mt19937 random(61);
     std::uniform_real_distribution<float> values(-1.0e6F, 1.0e6F);
     std::uniform_real_distribution<float> speeds(0.001F, 1.0e4F);
-    std::uniform_int_distribution<int> units(0, g_units - 1);
+    std::uniform_int_distribution<int> units(0, UnitCount - 1);
     for (int i = 0; i < 20000; ++i) {
         int const from = units(random);
         int const to = units(random);
         float const value = values(random);
         float const speed = speeds(random);
         auto const factor = [](int unit) {
-            return static_cast<float>(static_cast<double>(g_lengths[unit]) / 1e10);
+            return static_cast<float>(static_cast<double>(Lengths[unit]) / 1e10);
         };
         float expected = value;
         if (from != to) {

@@ -28,9 +28,9 @@ using DTime = Quarn::DTime<float>;
 using InverseDistance = Quarn::InverseDistance<float>;
 using Velocity = Quarn::Velocity<float>;
 
-constexpr Distance g_mile{Distance::Mile, 1.5F};
-constexpr Velocity g_speed{{Distance::Foot, 3}, -0.25F};
-constexpr InverseDistance g_lines{Distance::Millimeter, 1609.344F};
+constexpr Distance Mile{Distance::Mile, 1.5F};
+constexpr Velocity Speed{{Distance::Foot, 3}, -0.25F};
+constexpr InverseDistance Lines{Distance::Millimeter, 1609.344F};
 
 Distance::Unit UnitOf(std::int32_t number)
 {
@@ -55,8 +55,8 @@ TEST(QuantityStream, WritesTheGoldenFile)
     RunLengthCompressor compressor;
     FakeOutput stream;
     stream.SetCompressor(&compressor);
-    EXPECT_EQ(&(stream << g_mile), &stream);
-    EXPECT_EQ(&(stream << g_speed), &stream);
+    EXPECT_EQ(&(stream << Mile), &stream);
+    EXPECT_EQ(&(stream << Speed), &stream);
     EXPECT_EQ(stream.Taken(), Golden("quantities.bin"));
     EXPECT_EQ(stream.Calls(), (std::vector<std::size_t>{4, 4, 4, 4, 4}));
     EXPECT_EQ(compressor.compressed, 0);
@@ -70,8 +70,8 @@ TEST(QuantityStream, ReadsTheGoldenFile)
     Velocity velocity;
     EXPECT_EQ(&(stream >> distance), &stream);
     EXPECT_EQ(&(stream >> velocity), &stream);
-    ExpectSame(distance, g_mile);
-    ExpectSame(velocity, g_speed);
+    ExpectSame(distance, Mile);
+    ExpectSame(velocity, Speed);
     EXPECT_EQ(stream.tellg(), stream.GetSize());
 }
 
@@ -105,9 +105,9 @@ TEST(QuantityStream, CutShortAnywhereLeavesTheTargetAsItWas)
 TEST(QuantityStream, WhatDoesNotFitIsRefusedBehindWhatDid)
 {
     FakeOutput distance(false, 6);
-    EXPECT_EQ(ThrownText([&] { distance << g_mile; }), "Generic Write");
+    EXPECT_EQ(ThrownText([&] { distance << Mile; }), "Generic Write");
     FakeOutput velocity(false, 11);
-    EXPECT_EQ(ThrownText([&] { velocity << g_speed; }), "Generic Write");
+    EXPECT_EQ(ThrownText([&] { velocity << Speed; }), "Generic Write");
     EXPECT_EQ(velocity.Taken().size(), 11U);
 }
 
@@ -163,10 +163,10 @@ static_assert(!Lists<DTime> && !Lists<Quarn::Volume>);
 // One function for the record and its listing.
 void Save(Quarn::ostream& stream)
 {
-    Quarn::dump(stream, "Mile", g_mile);
-    Quarn::dump(stream, "Speed", g_speed);
+    Quarn::dump(stream, "Mile", Mile);
+    Quarn::dump(stream, "Speed", Speed);
     Quarn::DumpStreamIndent const indent(stream, 4);
-    Quarn::dump(stream, "Lines", g_lines);
+    Quarn::dump(stream, "Lines", Lines);
     Quarn::dump(stream, "Nothing", Distance());
     Quarn::dump(stream, "Standstill", Velocity());
     Quarn::dump(stream, "End", Distance{UnitOf(-1), 0.0F});
@@ -187,7 +187,7 @@ TEST(QuantityDump, GivesTheGoldenListing)
 TEST(QuantityDump, OfADistanceDeliberatelyStoresTheLabelToo)
 {
     FakeOutput stream;
-    EXPECT_EQ(&Quarn::dump(stream, "Mile", g_mile), &stream);
+    EXPECT_EQ(&Quarn::dump(stream, "Mile", Mile), &stream);
     EXPECT_EQ(stream.Taken(), Hex("FF FF FF FF 04 00 00 00 FB FF FF FF 4D 69 6C 65 "
                                   "00 00 C0 3F 0B 00 00 00"));
 }
@@ -195,13 +195,13 @@ TEST(QuantityDump, OfADistanceDeliberatelyStoresTheLabelToo)
 TEST(QuantityDump, OfTheOthersStoresTheFieldsAlone)
 {
     FakeOutput velocity;
-    EXPECT_EQ(&Quarn::dump(velocity, "Speed", g_speed), &velocity);
+    EXPECT_EQ(&Quarn::dump(velocity, "Speed", Speed), &velocity);
     FakeOutput stored;
-    stored << g_speed;
+    stored << Speed;
     EXPECT_EQ(velocity.Taken(), stored.Taken());
 
     FakeOutput inverse;
-    EXPECT_EQ(&Quarn::dump(inverse, "Lines", g_lines), &inverse);
+    EXPECT_EQ(&Quarn::dump(inverse, "Lines", Lines), &inverse);
     EXPECT_EQ(inverse.Taken(), Hex("02 2B C9 44 02 00 00 00"));
 }
 
@@ -216,7 +216,7 @@ TEST(QuantityDump, TakesALabelOfAMebibyte)
 {
     std::string const label(1U << 20U, 'x');
     FakeOutput stream(true);
-    Quarn::dump(stream, label, g_mile);
+    Quarn::dump(stream, label, Mile);
     EXPECT_EQ(TextOf(stream.Taken()), label + "\nValue=1.500000\nUnits=11\n");
 }
 

@@ -27,7 +27,7 @@ struct Texts
 };
 
 // One for each number from 0 to 13.
-constexpr Texts g_english[] = {
+constexpr Texts English[] = {
     {u"meter", u"meters", u"m"},
     {u"centimeter", u"centimeters", u"cm"},
     {u"millimeter", u"millimeters", u"mm"},
@@ -43,7 +43,7 @@ constexpr Texts g_english[] = {
     {u"unknown", u"unknown", u"unknown"},
     {u"unknown", u"unknown", u"unknown"},
 };
-constexpr Texts g_german[] = {
+constexpr Texts German[] = {
     {u"Meter", u"Meter", u"m"},
     {u"Zentimeter", u"Zentimeter", u"cm"},
     {u"Millimeter", u"Millimeter", u"mm"},
@@ -83,7 +83,7 @@ int Differences(Texts const (&texts)[Count])
 
 TEST(UnitNames, AreThoseOfTheLibrarysTable)
 {
-    EXPECT_EQ(Differences(g_english), 0);
+    EXPECT_EQ(Differences(English), 0);
 }
 
 TEST(UnitNames, ComeInTheProcessCodePage)
@@ -114,7 +114,7 @@ TEST(UnitNamesDeathTest, AreGermanWhereGermanWasChosen)
     EXPECT_EXIT(
         {
             QuarnUtil::InitLanguage("DEU");
-            std::exit(Differences(g_german));
+            std::exit(Differences(German));
         },
         testing::ExitedWithCode(0), "");
 }
@@ -124,7 +124,7 @@ TEST(UnitNamesDeathTest, StayEnglishWhereALanguageHasNoModule)
     EXPECT_EXIT(
         {
             QuarnUtil::InitLanguage("XXX");
-            std::exit(Differences(g_english));
+            std::exit(Differences(English));
         },
         testing::ExitedWithCode(0), "");
 }
