@@ -7,6 +7,7 @@
 #include <quarn/platform/module.h>
 #include <quarn/platform/resource_strings.h>
 #include <quarn/platform/version_info.h>
+#include <quarn/platform/win32_api.h>
 #include <quarn/registry/registry_key.h>
 #include <quarn/stream/header_block.h>
 #include <quarn/stream/memory_stream.h>
@@ -84,6 +85,10 @@ int main()
 #if defined(CLIENT_HAS_RESOURCES)
     Check(Win32Quarn::LoadQuarnString(7, nullptr) == "seven", "the client has its texts");
     Check(Win32Quarn::CVersionInfo().GetProductName() == "Client", "the client has its version block");
+    char library[MAX_PATH] = "";
+    ::GetModuleFileNameA(QuarnUtil::GetLibraryInstance(), library, MAX_PATH);
+    Check(Win32Quarn::CVersionInfo(library).GetProductVersion() == PACKAGE_VERSION,
+          "the library is of the package's version");
     Check(Win32Quarn::UserKey("Acme").GetPath("") == "Software\\Acme\\Client",
           "the client has its registry key");
 #endif
