@@ -11,6 +11,9 @@ packages_bench=(libbenchmark-dev libdeflate-dev libisal-dev libabsl-dev libfmt-d
     libboost-serialization-dev libpoco-dev qtbase5-dev libpugixml-dev)
 packages_check=(clang-14 libclang-rt-14-dev clang-format-14 clang-tidy-14 gcovr python3-clang-14)
 
+packages_docs=(doxygen doxygen-awesome-css graphviz python3)
+packages_docs_check=(chromium chromium-driver python3-selenium fonts-dejavu-core)
+
 # install_packages PACKAGE...: installs those that are missing, and says which.
 install_packages() {
     local package missing=() sudo=()

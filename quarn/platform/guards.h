@@ -59,6 +59,7 @@ private:
 class QUARN_API WaitCursor
 {
 public:
+    // Shows the wait cursor.
     WaitCursor();
     WaitCursor(WaitCursor const&) = delete;
     WaitCursor& operator=(WaitCursor const&) = delete;

@@ -47,13 +47,16 @@ public:
     // module is not loaded.
     virtual void (*GetFunction(int ordinal) const)() = 0;
     virtual void (*GetFunction(string const& name) const)() = 0;
+    // Whether the functions are callable.
     virtual bool IsLoaded() const = 0;
 
-    // The name and the language tag given when the library was made.
+    // The name given when the library was made.
     string GetLibName() const;
+    // The language tag given when the library was made; empty from Create.
     string const& GetLanguage() const;
 
 protected:
+    // Puts the library into no list: Create does.
     Library(string const& name, string const& language);
     Library(Library const& other) = default;
     Library& operator=(Library const& other) = default;

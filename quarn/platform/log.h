@@ -50,12 +50,14 @@ QUARN_API int SetPath(char const* path);
 // changes with the path.
 QUARN_API char const* GetPath();
 
-// Messages with a greater level are dropped. 0 at the start.
+// The output level: messages with a greater one are dropped. 0 at the start.
 QUARN_API void SetOutputLevel(int level);
+// As SetOutputLevel set it.
 QUARN_API int GetOutputLevel();
 
 // The options of the two-argument Output, as they are given; bits that are not listed mean nothing.
 QUARN_API void SetOutputOptions(unsigned int options);
+// As SetOutputOptions set them.
 QUARN_API unsigned int GetOutputOptions();
 
 // Writes one message with the options that are set, or with `options` alone. 0 without any effect where the

@@ -42,6 +42,7 @@ public:
     void (*GetFunction(int ordinal) const)() override;
     // The function that the module exports under this name; case counts.
     void (*GetFunction(Quarn::string const& name) const)() override;
+    // Whether this object has its module.
     bool IsLoaded() const override;
 
     // The module, null until it is loaded.
@@ -55,9 +56,9 @@ public:
 protected:
     // NOLINTBEGIN(misc-non-private-member-variables-in-classes): for classes that find their modules
     // otherwise
-    HINSTANCE m_hMod = nullptr;
-    std::uint32_t m_refCount = 0;
-    mutable std::uint32_t m_lastError = 0;
+    HINSTANCE m_hMod = nullptr;            // the module, null until it is loaded
+    std::uint32_t m_refCount = 0;          // as GetRefCount()
+    mutable std::uint32_t m_lastError = 0; // as GetLastError()
     // NOLINTEND(misc-non-private-member-variables-in-classes)
 };
 

@@ -18,6 +18,7 @@ namespace Quarn {
 class QUARN_API PropertyData
 {
 public:
+    // What the data is.
     enum DataType : std::int32_t
     {
         TypeString = 0,
@@ -51,7 +52,9 @@ public:
     PropertyData(PropertyData&& other) noexcept;
     virtual ~PropertyData();
 
+    // As the constructors: copies the bytes.
     PropertyData& operator=(PropertyData const& other);
+    // As the constructors: takes the payload over.
     PropertyData& operator=(PropertyData&& other) noexcept;
 
     // Text: size is its length + 1, for the terminating zero. A length + 1 beyond 32 bits is reported by the
@@ -75,6 +78,7 @@ public:
     // The type with this name, compared exactly; TypeUnknown when there is none.
     static DataType GetType(string const& typeName);
 
+    // TypeUnknown in the beginning.
     DataType GetType() const { return m_type; }
     // "string", "binary", "int32" or "unknown". Valid until the process ends.
     string const& GetTypename() const;

@@ -43,6 +43,7 @@ public:
     // Frees all values and all keys below; touches nothing above.
     virtual ~PropertyKey();
 
+    // Valid until the key is renamed, assigned to or destroyed.
     string const& GetName() const { return m_name; }
     // Does not mark the key dirty.
     void SetName(string const& name);
@@ -53,6 +54,7 @@ public:
 
     // Sub-keys. A key stays at its address until it is removed.
 
+    // The number of direct sub-keys.
     std::uint64_t GetKeyCount() const;
     // The sub-key at a place in insertion order; null beyond the last.
     PropertyKey* GetSubKey(std::uint64_t index);
@@ -77,6 +79,7 @@ public:
     PropertyKey const* GetSubKey(char const* path) const;
     // GetSubKey(path, true).
     PropertyKey* AddSubKey(char const* path);
+    // Whether GetSubKey finds a key at the path.
     bool HasSubKey(string const& path) const;
 
     // Removes the key at a path, with all below, and marks its parent dirty. False when there is no such key,
@@ -88,6 +91,7 @@ public:
 
     // Values. A pointer to a value is good until the next value is added to or removed from its key.
 
+    // The number of this key's own values.
     std::uint64_t GetValueCount() const;
     // The value at a place in insertion order; null beyond the last.
     PropertyValue* GetValue(std::uint64_t index);
@@ -108,6 +112,7 @@ public:
     // divides again. An empty name is "DefaultValue".
     PropertyValue* GetValue(string const& name);
     PropertyValue const* GetValue(string const& name) const;
+    // Whether GetValue finds a value at the address.
     bool HasValue(string const& name) const;
 
     // Sets the data of this key's value of that name, as PropertyValue::SetData does. A missing value gives
@@ -117,15 +122,16 @@ public:
     // The value at an address. Where there is none, this key's value whose name is the address as it stands
     // is set to the empty text, or added with it.
     PropertyValue* AddValue(string const& name);
-    // Sets a value from a text of the form "keypath:valuename=value", making keys and value as needed; the
+    // Both set a value from a text of the form "keypath:valuename=value", making keys and value as needed; a
     // number is decimal, as PropertyData::GetDataInt32 reads it. Null, and nothing changes, when the colon
     // or an equals sign behind it is missing. The flag has no effect.
     PropertyValue* SetValueInt32(string const& spec, bool unused);
     PropertyValue* SetValueString(string const& spec, bool unused);
 
-    // The number or the text form of the value at an address, the default where there is none. A value that
-    // is no number and no text is 0.
+    // The number of the value at an address, the default where there is none. A value that is no number and
+    // no text is 0.
     long GetValueInt32(string const& name, long defaultValue) const;
+    // The text form of the value at an address, the default where there is none.
     string GetValueString(string const& name, string const& defaultValue) const;
 
     // Removes this key's value of that name (taken as it stands; empty is "DefaultValue") and marks this key
@@ -139,6 +145,7 @@ public:
     void SetDirty();
     // Makes a dirty key, its values and all below clean. A clean key is left alone, with all below.
     void ClearDirty();
+    // Whether anything has changed since ClearDirty.
     bool Dirty() const { return m_dirty; }
 
     // Whether the name is this one, without regard to case; null equals no name.

@@ -44,10 +44,13 @@ public:
 
     // The data, valid as long as the value.
     PropertyData const& GetData() const { return m_data; }
+    // The type of the data.
     PropertyData::DataType GetDataType() const { return m_data.GetType(); }
+    // The name of the type; see PropertyData::GetTypename.
     string const& GetDatatypeName() const { return m_data.GetTypename(); }
-    // The data as a number and as a text; see PropertyData::GetDataInt32 and GetDataString.
+    // The data as a number; see PropertyData::GetDataInt32.
     long GetValueInt32() const { return m_data.GetDataInt32(); }
+    // The data as a text; see PropertyData::GetDataString.
     string GetValueString() const { return m_data.GetDataString(); }
 
     // Stores the data and marks the value dirty, unless the data is equal to the stored one: text and binary
@@ -89,6 +92,7 @@ public:
     void SetDirty();
     // Clears the flag of this value alone.
     void ClearDirty() { m_dirty = false; }
+    // Whether the value has changed since ClearDirty.
     bool Dirty() const { return m_dirty; }
 
     // Whether the stored name is this one, without regard to case.

@@ -8,9 +8,11 @@
 
 namespace Win32Quarn {
 
+// Lists the sub-keys of a key.
 class QUARN_API RegistryKeyEnum
 {
 public:
+    // Of an open key, which must outlive this object.
     explicit RegistryKeyEnum(RegistryKey& key) : m_key(key) {}
 
     // Appends the names of the direct sub-keys, in the registry's order. False after an error, which becomes
@@ -22,9 +24,11 @@ private:
     RegistryKey& m_key;
 };
 
+// Lists the values of a key.
 class QUARN_API RegistryValueEnum
 {
 public:
+    // Of an open key, which must outlive this object.
     explicit RegistryValueEnum(RegistryKey& key) : m_key(key) {}
 
     // The same for the names of the values; the default value's is empty.

@@ -43,15 +43,17 @@ public:
     bool OpenRead(Quarn::string const& subpath);
     // True as well when the key was closed already, which leaves the last error as it is.
     bool Close();
+    // Whether there is a handle.
     bool IsOpen() const { return m_key != nullptr; }
 
     // The handle, null while the key is closed. It stays this key's.
     HKEY GetHKey() const { return m_key; }
+    // As GetHKey().
     operator HKEY() const { return m_key; }
 
-    // Whether the key at `subpath` could be opened to read or to write (KEY_WRITE). Nothing is made, and the
-    // last error stays.
+    // Whether the key at `subpath` could be opened to read. Nothing is made, and the last error stays.
     bool ExistsRead(Quarn::string const& subpath) const;
+    // The same to write (KEY_WRITE).
     bool ExistsWrite(Quarn::string const& subpath) const;
 
     // The path, with a backslash and `subpath` behind it where that is not empty.
@@ -99,6 +101,7 @@ protected:
     bool Exists(unsigned long access, Quarn::string const& subpath) const;
     // Closes the key, without recording the result, and replaces the path, which is returned.
     Quarn::string const& SetPath(Quarn::string const& path);
+    // For derived classes: replaces the code that GetLastError gives.
     void SetLastError(long code) { m_lastError = code; }
 
 private:
@@ -121,6 +124,7 @@ private:
 class QUARN_API LocalMachineKey : public RegistryKey
 {
 public:
+    // Closed; the root itself without a path.
     LocalMachineKey(Quarn::string const& path = Quarn::string());
     LocalMachineKey(LocalMachineKey const& other) = default;
     LocalMachineKey& operator=(LocalMachineKey const& other) = default;
@@ -131,6 +135,7 @@ public:
 class QUARN_API CurrentUserKey : public RegistryKey
 {
 public:
+    // Closed; the root itself without a path.
     CurrentUserKey(Quarn::string const& path = Quarn::string());
     CurrentUserKey(CurrentUserKey const& other) = default;
     CurrentUserKey& operator=(CurrentUserKey const& other) = default;
@@ -142,6 +147,7 @@ public:
 class QUARN_API UserKey : public CurrentUserKey
 {
 public:
+    // Closed.
     UserKey(Quarn::string const& company = Quarn::string(), Quarn::string const& product = Quarn::string());
     UserKey(UserKey const& other) = default;
     UserKey& operator=(UserKey const& other) = default;
@@ -153,6 +159,7 @@ public:
 class QUARN_API UserVersionKey : public CurrentUserKey
 {
 public:
+    // Closed.
     UserVersionKey(Quarn::string const& company = Quarn::string(),
                    Quarn::string const& product = Quarn::string(),
                    Quarn::string const& version = Quarn::string());

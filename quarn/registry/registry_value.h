@@ -24,6 +24,7 @@ public:
     // The value of that name, the default value for an empty one; its type is not known yet (0).
     RegistryValue(RegistryKey& key, Quarn::string const& name);
 
+    // Valid until SetName.
     Quarn::string const& GetName() const { return m_name; }
     // The type is unknown again.
     void SetName(Quarn::string const& name);
@@ -77,9 +78,11 @@ private:
     unsigned long m_type = 0;
 };
 
+// A value that is a number of 32 bits, and counts.
 class QUARN_API DWORDRegistryValue : public RegistryValue
 {
 public:
+    // As RegistryValue.
     DWORDRegistryValue(RegistryKey& key, Quarn::string const& name);
 
     // The number; 0 when it cannot be read.
@@ -87,8 +90,8 @@ public:
     // As RegistryValue::Write.
     bool Write(unsigned long number);
 
-    // Adds or subtracts 1 modulo 2^32, beginning at 0 where there is no value, writes the new number and
-    // returns it, also when it could not be written. Another process that counts at the same moment may get
+    // Both add or subtract 1 modulo 2^32, beginning at 0 where there is no value, write the new number and
+    // return it, also when it could not be written. Another process that counts at the same moment may get
     // lost: nothing is held between reading and writing.
     unsigned long Increment();
     unsigned long Decrement();

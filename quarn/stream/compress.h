@@ -14,8 +14,8 @@ public:
     // What Compress made: `count` bytes at `data`, which stay the compressor's until Release().
     struct Result
     {
-        unsigned char* data = nullptr;
-        unsigned int count = 0;
+        unsigned char* data = nullptr; // the compressed bytes
+        unsigned int count = 0;        // how many
     };
 
     StreamCompress() = default;

@@ -25,6 +25,7 @@ public:
     // The checksum of no bytes: GetValue() is 0.
     CRC32() = default;
 
+    // One byte.
     void Add(unsigned char byte) { AddByte(byte); }
     // The bytes of a number, least significant first. Of an `unsigned long` the low four; where the type is
     // wider and the number needs more, that is reported as Int64ToUInt32 does (text/narrowing.h).
@@ -42,8 +43,10 @@ public:
 
     // The checksum of all bytes since construction or Clear(), below 2^32. More bytes may follow.
     unsigned long GetValue() const { return static_cast<std::uint32_t>(~m_register); }
+    // Starts again with the checksum of no bytes.
     void Clear() { m_register = CRC32InitialValue; }
 
+    // Whether the checksums are equal.
     bool operator==(CRC32 const& other) const { return m_register == other.m_register; }
     bool operator!=(CRC32 const& other) const { return m_register != other.m_register; }
 

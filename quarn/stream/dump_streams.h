@@ -19,7 +19,9 @@ namespace Quarn {
 class QUARN_API sofdumpstream : public ofstream
 {
 public:
+    // No file; the stream is of use only after open().
     sofdumpstream() : ofstream(true) {}
+    // As open().
     sofdumpstream(char const* path, int mode) : ofstream(path, mode, true) {}
     sofdumpstream(sofdumpstream const& other) = delete;
     sofdumpstream& operator=(sofdumpstream const& other) = delete;
@@ -31,7 +33,7 @@ public:
 class QUARN_API softextstream : public ofstream
 {
 public:
-    // Nothing but a bool passes for one.
+    // No file; `dumpMode` as in ostream. Nothing but a bool passes for one.
     template<std::same_as<bool> Bool>
     explicit softextstream(Bool dumpMode) : ofstream(dumpMode)
     {}
@@ -44,6 +46,7 @@ public:
     ~softextstream() override;
 
     using ofstream::operator<<;
+    // The characters alone.
     ostream& operator<<(std::string const& text) override;
     ostream& operator<<(string const& text) override;
 };
@@ -52,6 +55,7 @@ public:
 class QUARN_API memorydumpstream : public memorystream
 {
 public:
+    // A block of its own, and the caller's block, as memorystream has them.
     explicit memorydumpstream(unsigned long size) : memorystream(size, true) {}
     memorydumpstream(unsigned char* block, std::streampos size) : memorystream(block, size, true) {}
     // Without a block, and in binary mode.
@@ -65,6 +69,7 @@ public:
 class QUARN_API statdumpstream : public statstream
 {
 public:
+    // `crcEnabled`: whether the CRC is kept.
     template<std::same_as<bool> Bool>
     explicit statdumpstream(Bool crcEnabled) : statstream(crcEnabled, true)
     {}

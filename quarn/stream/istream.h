@@ -34,17 +34,22 @@ public:
     virtual unsigned int peek() = 0;
     // Reads up to `n` bytes, those at hand, and returns their count.
     virtual unsigned int readsome(unsigned char* buffer, unsigned long n) = 0;
+    // Steps back by one byte; the concrete stream says when it can and whether `c` is stored there.
     virtual istream& putback(unsigned char c) = 0;
+    // Steps back by one byte, where the concrete stream can.
     virtual istream& unget() = 0;
     // The position of the next byte.
     virtual std::streampos tellg() = 0;
     // As ostream::seekp.
     virtual istream& seekg(unsigned long offset, unsigned int direction) = 0;
     virtual istream& seekg(std::streampos position) = 0;
+    // Brings what is buffered and what is behind the stream together; 0 for success.
     virtual int sync() = 0;
     // Whether no operation has failed since the last clearstate().
     virtual bool IsValidInput() const = 0;
+    // Forgets the failures so far, where the concrete stream can.
     virtual void clearstate() = 0;
+    // Ends the use of what is behind the stream; does nothing where there is nothing to end.
     virtual void close();
     // The path of the file behind the stream; null where there is none.
     virtual char const* get_path();

@@ -67,7 +67,7 @@ public:
     // as at its end; size and position stay.
     void ReleaseMemory();
 
-    // The first byte of the block; null where there is none. Valid until the block is released.
+    // Each is the first byte of the block; null where there is none. Valid until the block is released.
     unsigned char* GetMemory() { return m_buffer; }
     unsigned char const* GetMemory() const { return m_buffer; }
     operator unsigned char*() { return m_buffer; }

@@ -14,12 +14,13 @@ namespace Quarn {
 class QUARN_API nullstream : public istream, public ostream
 {
 public:
+    // In binary mode.
     nullstream() : ostream(false) {}
     nullstream(nullstream const& other) = default;
     nullstream& operator=(nullstream const& other) = default;
     ~nullstream() override;
 
-    // All counts and positions are 0, peek() too; the stream is always valid; the rest does nothing.
+    // Each count and position is 0, peek() too; the stream is always valid; the rest does nothing.
     unsigned int gcount() const override;
     unsigned int peek() override;
     unsigned int readsome(unsigned char* buffer, unsigned long n) override;

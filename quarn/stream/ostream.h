@@ -62,7 +62,9 @@ public:
     virtual ostream& seekp(std::streampos position) = 0;
     // Whether no operation has failed since the last clearstate().
     virtual bool IsValidOutput() const = 0;
+    // Forgets the failures so far, where the concrete stream can.
     virtual void clearstate() = 0;
+    // Ends the use of what is behind the stream; does nothing where there is nothing to end.
     virtual void close();
     // The path of the file behind the stream, valid until the stream is opened anew or destroyed; null where
     // there is none.

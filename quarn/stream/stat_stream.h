@@ -26,6 +26,7 @@ public:
     statstream(Bool1 crcEnabled, Bool2 dumpMode) : ostream(dumpMode),
                                                    m_crcEnabled(crcEnabled)
     {}
+    // What the source has counted; a copy counts on by itself.
     statstream(statstream const& other);
     statstream& operator=(statstream const& other);
     ~statstream() override;
@@ -35,6 +36,7 @@ public:
     // The CRC of these bytes; that of no bytes where it is not enabled. The reference lives as long as the
     // stream and follows what is written later; each write costs more from then on (not by GetCRCValue).
     CRC32 const& GetCRC() const;
+    // The same as a number.
     unsigned long GetCRCValue() const
     {
         CountWaiting();

@@ -8,9 +8,11 @@
 
 namespace Quarn {
 
+// A stream's failure.
 class QUARN_API StreamException : public QuarnException
 {
 public:
+    // What went wrong, with the message that tells it.
     enum Error
     {
         None = 0,                // ""
@@ -26,6 +28,7 @@ public:
 
     // The message of `e` as listed above; a value outside the list gives the empty message.
     explicit StreamException(Error e);
+    // A message of the thrower's own.
     explicit StreamException(string const& message);
     StreamException(StreamException const& other) = default;
     StreamException& operator=(StreamException const& other) = default;

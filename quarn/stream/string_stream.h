@@ -21,7 +21,8 @@ public:
     stringostream& operator=(stringostream const& other) = default;
     ~stringostream() override;
 
-    // The texts so far. The reference is valid as long as the stream, the address until the next text.
+    // Both give the texts so far. The reference is valid as long as the stream, the address until the next
+    // text.
     operator string const&() const { return m_text; }
     operator char const*() const { return m_text.c_str(); }
 
@@ -52,6 +53,7 @@ private:
 class QUARN_API stringodumpstream : public stringostream
 {
 public:
+    // No text yet.
     stringodumpstream() : stringostream(true) {}
     stringodumpstream(stringodumpstream const& other) = default;
     stringodumpstream& operator=(stringodumpstream const& other) = default;

@@ -12,6 +12,7 @@ namespace Quarn {
 class QUARN_API QuarnException : public std::runtime_error
 {
 public:
+    // The message up to its first zero byte.
     explicit QuarnException(string const& message = string());
     QuarnException(QuarnException const& other) = default;
     QuarnException& operator=(QuarnException const& other) = default;

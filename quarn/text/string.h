@@ -28,20 +28,23 @@ class QUARN_API string : public std::string
 public:
     // "Not found" of the find operations and "to the end" of counts: all 64 bits set.
     static constexpr std::uint64_t npos = UINT64_MAX;
-    static constexpr std::uint64_t NPOS = npos;
+    static constexpr std::uint64_t NPOS = npos; // the same
 
     string() noexcept = default;
     string(string const& other) = default;
     string(string&& other) noexcept = default;
     ~string() = default;
 
+    // All characters of the text, zero bytes too.
     string(std::string const& text) : std::string(text) {}
     string(std::string&& text) noexcept : std::string(std::move(text)) {}
     // A string of length 1.
     string(char c) : std::string(1, c) {}
     // The text up to its terminator; `text` is not null.
     string(char const* text) : std::string(text) {}
+    // `count` characters at `text`, zero bytes too.
     string(char const* text, size_type count) : std::string(text, count) {}
+    // `count` times the character.
     string(size_type count, char c) : std::string(count, c) {}
     // A number is not a text: none becomes a string through `char`.
     template<detail::NoCharacter T>
@@ -49,13 +52,14 @@ public:
 
     string& operator=(string const& other) = default;
     string& operator=(string&& other) noexcept = default;
+    // As the constructors.
     string& operator=(std::string const& text);
     string& operator=(char c);
     string& operator=(char const* text);
     template<detail::NoCharacter T>
     string& operator=(T) = delete;
 
-    // Assignment and appending. Positions beyond the source's end throw std::out_of_range with the text
+    // Replaces the contents. Positions beyond the source's end throw std::out_of_range with the text
     // "invalid string position", as all operations below that take a position do.
     string& assign(std::string const& text);
     string& assign(std::string const& text, size_type pos, size_type count = npos);
@@ -69,6 +73,7 @@ public:
         return *this;
     }
 
+    // Adds behind the last character what assign would take.
     string& append(std::string const& text);
     string& append(std::string const& text, size_type pos, size_type count = npos);
     string& append(char c);
@@ -81,11 +86,13 @@ public:
         std::string::append(first, last);
         return *this;
     }
+    // As append.
     string& operator+=(std::string const& text) { return append(text); }
     string& operator+=(char const* text) { return append(text); }
     string& operator+=(char c) { return append(c); }
 
     using std::string::compare;
+    // Compares up to `count` characters from `pos` on with the text: below 0, 0 or above 0.
     int compare(size_type pos, size_type count, std::string const& text) const;
     int compare(size_type pos, size_type count, std::string const& text, size_type textPos,
                 size_type textCount = npos) const;
@@ -97,30 +104,34 @@ public:
     char const& at(size_type pos) const;
 
     using std::string::erase;
+    // Removes up to `count` characters from `pos` on.
     string& erase(size_type pos = 0, size_type count = npos);
 
     using std::string::insert;
+    // Inserts before the character at `pos` what assign would take.
     string& insert(size_type pos, std::string const& text);
     string& insert(size_type pos, std::string const& text, size_type textPos, size_type textCount = npos);
     string& insert(size_type pos, char const* text);
     string& insert(size_type pos, char const* text, size_type count);
     string& insert(size_type pos, size_type count, char c);
 
+    // Up to `count` characters from `pos` on.
     string substr(size_type pos = 0, size_type count = npos) const;
 
-    // Removes leading and trailing white space (space, tab, line feed, vertical tab, form feed, carriage
-    // return) in place; the result is this string.
+    // Each removes leading or trailing white space, or both (space, tab, line feed, vertical tab, form feed,
+    // carriage return), in place; the result is this string.
     string const& Trim();
     string const& TrimLeft();
     string const& TrimRight();
 
-    // Changes the ASCII letters in place and leaves every other byte; no locale is consulted.
+    // Both change the ASCII letters in place and leave every other byte; no locale is consulted.
     string const& MakeUpper();
     string const& MakeLower();
-    // The same on a copy.
+    // Both do the same on a copy.
     string Upper() const;
     string Lower() const;
 
+    // Whether the character occurs.
     bool Contains(char c) const { return find(c) != npos; }
 
     // A tokeniser step. Where `c` occurs: the text before its first occurrence is the result, and that text
@@ -129,6 +140,7 @@ public:
     // was defined constant must not be clipped.
     string ClipTo(char c) const;
 
+    // A copy with the text behind it.
     string appended(char const* text) const;
 
     // Replaces the contents by the text of a printf-style format in the current locale, up to its first zero

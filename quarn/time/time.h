@@ -33,6 +33,7 @@ struct TIME
 class QUARN_API Time
 {
 public:
+    // The halves of the day.
     enum AMPM
     {
         AM = 0,
@@ -59,6 +60,7 @@ public:
     // As SetUTC (`utc`) or SetLocal on NoTime: where the seconds are refused, NoTime.
     Time(std::int64_t seconds, bool utc);
 
+    // Both words as they are.
     operator TIME() const { return {m_data.High, m_data.Low}; }
     // As Get_time_t().
     operator std::int64_t() const { return Get_time_t(); }
@@ -80,6 +82,7 @@ public:
     std::uint16_t GetYear2() const;
     // The hour, from 13 on less 12: midnight is 0, noon 12.
     std::uint8_t GetHour12() const;
+    // PM from noon on.
     AMPM GetAmPm() const { return GetHour() < 12 ? AM : PM; }
 
     // Each replaces one field, unchecked: bits of the value above the field's width are ORed into the fields
@@ -141,10 +144,10 @@ public:
     // its second, standard time; one that it skips counts on from the hour before it. Where the runtime
     // library has no answer (on Windows before 1970 and after 3000), -1.
     std::int64_t Get_time_t() const;
-    // Takes year, month, date, hour, minute and second from such seconds, in UTC or in local time; reserved
-    // bits, millisecond and microsecond stay. Where the runtime library refuses the seconds (on Windows
-    // before 1970 and after 3000), nothing changes. Safe in several threads at once: one lock of the whole
-    // process serves all conversions.
+    // Both take year, month, date, hour, minute and second from such seconds, in UTC or in local time;
+    // reserved bits, millisecond and microsecond stay. Where the runtime library refuses the seconds (on
+    // Windows before 1970 and after 3000), nothing changes. Safe in several threads at once: one lock of the
+    // whole process serves all conversions.
     void SetUTC(std::int64_t seconds);
     void SetLocal(std::int64_t seconds);
     // Does nothing.
@@ -156,10 +159,10 @@ public:
         SetLocal(static_cast<std::int64_t>(seconds));
     }
 
-    // As GetUTCTime and GetLocalTime below, for this time.
+    // Both as GetUTCTime and GetLocalTime below, for this time.
     void GetCurrentUTCTime();
     void GetCurrentLocalTime();
-    // As LocalToUTC and UTCToLocal below, for this time.
+    // Both as LocalToUTC and UTCToLocal below, for this time.
     void ConvertToUTC();
     void ConvertToLocal();
 
@@ -203,7 +206,7 @@ public:
     // The distance between the two, whichever is later.
     TimeValue Subtract(Time const& other) const;
 
-    // As SetLocal of Get_time_t() plus or minus the span, on NoTime: no fractions of a second are left.
+    // Both as SetLocal of Get_time_t() plus or minus the span, on NoTime: no fractions of a second are left.
     Time operator+(TimeSpan const& span) const;
     Time operator-(TimeSpan const& span) const;
     // The difference, or the sum, of the two Get_time_t().
@@ -277,6 +280,7 @@ private:
 class QUARN_API UTCTime : public Time
 {
 public:
+    // As GetUTCTime sets it.
     UTCTime() { GetCurrentUTCTime(); }
 };
 
@@ -284,16 +288,17 @@ public:
 class QUARN_API LocalTime : public Time
 {
 public:
+    // As GetLocalTime sets it.
     LocalTime() { GetCurrentLocalTime(); }
 };
 
-// Set all fields from the system's clock, in UTC or in local time, the microsecond to 0. The reserved bits
-// stay.
+// Both set all fields from the system's clock, in UTC or in local time, the microsecond to 0. The reserved
+// bits stay.
 QUARN_API void GetUTCTime(Time& time);
 QUARN_API void GetLocalTime(Time& time);
-// Take local time to UTC and back, by the zone's distance to UTC that is in force now, whatever the date. The
-// microsecond becomes 0, the reserved bits stay. What is no date from 1601 on, or is none afterwards, does
-// not change.
+// Both take local time to UTC and back, by the zone's distance to UTC that is in force now, whatever the
+// date. The microsecond becomes 0, the reserved bits stay. What is no date from 1601 on, or is none
+// afterwards, does not change.
 QUARN_API void LocalToUTC(Time& time);
 QUARN_API void UTCToLocal(Time& time);
 

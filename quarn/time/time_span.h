@@ -13,13 +13,16 @@ class QUARN_API TimeSpan
 public:
     // 0 seconds.
     TimeSpan() { Set(0); }
+    // So many seconds.
     TimeSpan(std::int64_t seconds) { Set(seconds); }
 
+    // Replaces the seconds, which may be negative.
     void Set(std::int64_t seconds)
     {
         m_seconds = seconds;
         m_unused = 0;
     }
+    // The seconds.
     std::int64_t Get_time_t() const { return m_seconds; }
 
 private:

@@ -21,8 +21,8 @@ class ostream;
 // The plain form of a TimeValue.
 struct TIMEVALUE
 {
-    std::uint32_t Minutes;
-    std::uint32_t Fraction;
+    std::uint32_t Minutes;  // whole minutes
+    std::uint32_t Fraction; // of a minute, see TimeValue::MinuteValue
 };
 
 class QUARN_API TimeValue
@@ -31,21 +31,21 @@ public:
     // A duration in parts, which may be out of their usual range and negative.
     struct Parse
     {
-        std::int32_t days;
-        std::int32_t hours;
-        std::int32_t minutes;
-        std::int32_t seconds;
-        std::int32_t milliseconds;
-        std::int32_t microseconds;
+        std::int32_t days;         // of 24 hours
+        std::int32_t hours;        // 0 to 23 from ParseTime
+        std::int32_t minutes;      // 0 to 59 from ParseTime
+        std::int32_t seconds;      // 0 to 59 from ParseTime where the fraction is in order
+        std::int32_t milliseconds; // 0 to 999 from ParseTime
+        std::int32_t microseconds; // 0 to 999 from ParseTime
     };
 
-    // Units of the fraction.
+    // How many units of the fraction these are.
     static constexpr std::uint32_t SecondValue = 35791394;
     static constexpr std::uint32_t MinuteValue = 2147483640;
     static constexpr std::uint32_t MaxFractionValue = 2147483640; // a fraction in order is below it
     static constexpr double MilliSecondValue = 35791.394;
     static constexpr double MicroSecondValue = 35.791394;
-    // The years meant for distances; nothing checks them.
+    // These two are the years meant for distances; nothing checks them.
     static constexpr std::uint16_t MinYear = 0;
     static constexpr std::uint16_t MaxYear = 8000;
     static constexpr double JulianOffset = 1721057.5; // the Julian day of 0000-01-01 00:00
@@ -65,6 +65,7 @@ public:
     TimeValue(Time const& time) { Set(time); }
     TimeValue(double days) { Set(days); }
 
+    // Both words as they are.
     operator TIMEVALUE() const { return {m_minutes, m_fraction}; }
 
     // The sum of the parts, rounded to a unit of the fraction. Minutes below 0, and a fraction below 0, count
@@ -75,9 +76,11 @@ public:
     // As many days, to the nearest second, by way of Time::SetJulian.
     TimeValue& Set(double days);
 
+    // The whole minutes.
     std::uint32_t GetMinutes() const { return m_minutes; }
     // Another name for the minutes, the one that dumps use.
     std::uint32_t GetMantissa() const { return m_minutes; }
+    // The fraction of a minute, in order below MaxFractionValue.
     std::uint32_t GetFraction() const { return m_fraction; }
 
     // The duration in parts. Milliseconds and microseconds are cut off, not rounded: what Set made of 1 ms
@@ -99,7 +102,7 @@ public:
     // dropped before. A product beyond the range of Time::SetJulian is 0.
     TimeValue operator*(unsigned int n) const;
 
-    // Minutes first, then the fraction.
+    // Equal are equal words.
     bool operator==(TimeValue const& other) const
     {
         return m_minutes == other.m_minutes && m_fraction == other.m_fraction;
@@ -110,6 +113,7 @@ public:
     {
         return m_minutes != other.m_minutes || m_fraction != other.m_minutes;
     }
+    // These four look at the minutes first, then at the fraction.
     bool operator<(TimeValue const& other) const
     {
         return m_minutes != other.m_minutes ? m_minutes < other.m_minutes : m_fraction < other.m_fraction;

@@ -23,12 +23,14 @@ public:
     // Takes all but the day of the week; microsecond 0, and the reserved bits stay. Values are not checked.
     static void Set(SYSTEMTIME const& systemTime, Quarn::Time& time);
     Time& Set(SYSTEMTIME const& systemTime);
+    // As Set().
     Time& operator=(SYSTEMTIME const& systemTime) { return Set(systemTime); }
 
     // Fills all but the day of the week, which stays as it is.
     static void Get(SYSTEMTIME& systemTime, Quarn::Time const& time);
     // The same with 0 for the day of the week.
     SYSTEMTIME GetSYSTEMTIME() const;
+    // As GetSYSTEMTIME().
     operator SYSTEMTIME() const;
 };
 

@@ -39,8 +39,8 @@ struct Distance
         Unknown = 12,
     };
 
-    Unit unit = Unknown;
-    T value = 0;
+    Unit unit = Unknown; // of the value
+    T value = 0;         // how many of the unit
 };
 
 extern template struct QUARN_API Distance<float>;
@@ -52,6 +52,7 @@ float MetersPerUnit(Distance<float>::Unit unit);
 
 } // namespace detail
 
+// Writes the value, then the unit.
 QUARN_API ostream& operator<<(ostream& stream, Distance<float> const& distance);
 // A record that ends inside the distance throws what the stream throws, and `distance` stays as it was.
 QUARN_API istream& operator>>(istream& stream, Distance<float>& distance);

@@ -16,7 +16,7 @@ template<std::same_as<float> T>
 struct DTime
 {
     std::int32_t unit = 8; // a time unit; 8 until there is one
-    T value = 0;
+    T value = 0;           // how many of the unit
 };
 
 extern template struct QUARN_API DTime<float>;

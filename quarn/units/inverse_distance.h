@@ -15,7 +15,7 @@ template<std::same_as<float> T>
 struct InverseDistance
 {
     typename Distance<T>::Unit unit = Distance<T>::Unknown; // of the length
-    T value = 0;
+    T value = 0;                                            // how many to one of the unit
 };
 
 extern template struct QUARN_API InverseDistance<float>;

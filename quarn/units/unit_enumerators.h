@@ -21,6 +21,7 @@ public:
     DistanceUnitEnumerator(DistanceUnitEnumerator const& other) = default;
     DistanceUnitEnumerator& operator=(DistanceUnitEnumerator const& other) = default;
 
+    // The unit at an index of the list.
     virtual Distance<float>::Unit Enumerate(int index);
 
     virtual ~DistanceUnitEnumerator();
@@ -56,6 +57,7 @@ public:
     VelocityUnitEnumerator(VelocityUnitEnumerator const& other) = default;
     VelocityUnitEnumerator& operator=(VelocityUnitEnumerator const& other) = default;
 
+    // The unit at an index of the list.
     virtual Velocity<float>::Unit Enumerate(int index);
 
     virtual ~VelocityUnitEnumerator();

@@ -21,14 +21,15 @@ namespace Quarn {
 template<std::same_as<float> T>
 struct Velocity
 {
+    // A length and a time: what one of the velocity is.
     struct Unit
     {
-        typename Distance<T>::Unit distance = Distance<T>::Unknown;
-        std::int32_t time = 8; // a time unit; 8 until there is one
+        typename Distance<T>::Unit distance = Distance<T>::Unknown; // the unit of length
+        std::int32_t time = 8;                                      // a time unit; 8 until there is one
     };
 
-    Unit unit;
-    T value = 0;
+    Unit unit;   // of the value
+    T value = 0; // how many of the unit
 };
 
 extern template struct QUARN_API Velocity<float>;
@@ -39,6 +40,7 @@ QUARN_API DTime<float> operator/(Distance<float> const& distance, Velocity<float
 // The interval's value, unchanged, as a distance in the unknown unit. The velocity has no part in it.
 QUARN_API Distance<float> operator*(Velocity<float> const& velocity, DTime<float> const& time);
 
+// Writes the value, the distance unit, the time unit.
 QUARN_API ostream& operator<<(ostream& stream, Velocity<float> const& velocity);
 // A record that ends inside the velocity throws what the stream throws, and `velocity` stays as it was.
 QUARN_API istream& operator>>(istream& stream, Velocity<float>& velocity);
