@@ -44,7 +44,7 @@ headers=$(sed -n '/^set(public_headers/,/^)/{/[()]/d;/win32_api\|win32_types\|ex
 } >build/site-pages/Doxyfile
 quietly docs doxygen build/site-pages/Doxyfile || exit 1
 cp build/site-pages/html/* build/site/
-docs/site/mend.py build/site && scripts/check-site build/site || exit 1
+docs/site/mend.py build/site && scripts/check-site build/site build/site-pages/documents || exit 1
 if [ "${1-}" = --check ]; then
     say "Looking at the site in a browser"
     scripts/check-site-browser build/site build/site-pictures || exit 1

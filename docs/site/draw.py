@@ -135,23 +135,24 @@ def draw_rooms():
 
     for room in allowed:
         floor_of(room)
-    width, box, height, step = 760, 136, 46, 96
+    box, height, step, apart = 136, 46, 96, 150
     floors = [sorted(r for r in allowed if floor[r] == level) for level in range(max(floor.values()) + 1)]
-    place = {}
-
-    def spread():
-        for rooms_of in floors:
-            for index, room in enumerate(rooms_of):
-                place[room] = width * (2 * index + 1) / (2 * len(rooms_of))
-
-    spread()
-    for _ in range(8): # each over the middle of what it stands on, and under that of what stands on it
-        for rooms_of in floors:
-            def middle(room):
-                near = list(nearest[room]) + [r for r in allowed if room in nearest[r]]
-                return sum(place[r] for r in near) / len(near) if near else place[room]
-            rooms_of.sort(key=lambda room: (middle(room), room))
-        spread()
+    width = max(len(rooms_of) for rooms_of in floors) * apart
+    place = {room: (index + 1) * width / (len(floors[0]) + 1) for index, room in enumerate(floors[0])}
+    for rooms_of in floors[1:]:
+        # Each over the middle of what it stands on, side by side where that is the same.
+        wanted = {room: sum(place[below] for below in nearest[room]) / len(nearest[room]) for room in rooms_of}
+        rooms_of.sort(key=lambda room: (wanted[room], room))
+        left = [wanted[room] for room in rooms_of]
+        for _ in range(100):
+            for i in range(len(left) - 1):
+                lack = apart - (left[i + 1] - left[i])
+                if lack > 0:
+                    left[i] -= lack / 2
+                    left[i + 1] += lack / 2
+            shift = max(apart / 2 - left[0], 0) - max(left[-1] - (width - apart / 2), 0)
+            left = [x + shift for x in left]
+        place.update(zip(rooms_of, left))
     top = len(floors) * step
     body = ['<marker id="head" viewBox="0 0 8 8" refX="7" refY="4" markerWidth="7" markerHeight="7" orient="auto">'
             '<path class="head" d="M0 0 8 4 0 8z"/></marker>']

@@ -221,15 +221,24 @@ class Header:
 ESCAPED = re.compile(r"[\\@<>&#%*]|(?<!\w)_|~(?=~)|(?<!\w)::")
 
 
+def code_span(text):
+    """A piece of code as it stands: in backticks Doxygen would still see commands."""
+    inner = text[1:-1]
+    if not re.search(r'[%\\@&<>#"$]|^::', inner):
+        return text
+    # Escapes mean nothing between quotation marks.
+    return "<code>" + re.sub(r"[%\\@&<>#$]|(?<!\w)::", r"\\\g<0>", inner).replace('"', "&quot;") + "</code>"
+
+
 def plain(text):
     # The library's own name is no request for a link to its namespace.
-    return re.sub(r"\bQuarnUtil\b(?!::)", "%QuarnUtil", ESCAPED.sub(r"\\\g<0>", text))
+    return re.sub(r"\bQuarnUtil\b(?!::)", "%QuarnUtil", ESCAPED.sub(r"\\\g<0>", text).replace('"', "&quot;"))
 
 
 def prose(text):
     """Text of a comment that Doxygen takes as it is: nothing in it is a command but code in backticks."""
     parts = re.split(r"(`[^`]+`)", text)
-    return "".join(part if part.startswith("`") and len(part) > 2 else plain(part) for part in parts)
+    return "".join(code_span(part) if part.startswith("`") and len(part) > 2 else plain(part) for part in parts)
 
 
 def markdown(lines):

@@ -11,6 +11,8 @@ import re
 import shutil
 import sys
 
+from header_filter import code_span
+
 # The order of the pages; what is not named follows by name.
 FIRST = ["first-program", "guide", "formats", "architecture", "reliability", "performance", "porting", "tool",
          "debugging", "packages"]
@@ -19,6 +21,9 @@ ROOMS = {
     "text": "Text", "stream": "Streams", "time": "Time", "units": "Quantities and units", "properties": "Settings tree",
     "properties/win32": "Settings files and stores", "registry": "Registry", "platform": "Platform services",
 }
+# The parts of a line: code, pictures, links, and what is between them.
+PIECES = re.compile(r"(?P<code>`[^`]+`)|(?P<image>!\[(?P<label>[^\]]*)\]\((?P<path>[^)]+)\))|"
+                    r"(?P<link>\[(?P<words>(?:`[^`]*`|[^\]`])+)\]\((?P<to>[^)\s]+)\))|[^`\[!]+|[\[!`]")
 LANGUAGES = {".cpp": "cpp", ".h": "cpp", ".txt": "cmake", ".rc": "text"}
 
 
@@ -26,6 +31,13 @@ def slug(heading):
     """The id that a heading has where repositories are shown, so that one link serves both."""
     text = re.sub(r"[`*]", "", heading).strip().lower()
     return re.sub(r"[^\w\- ]", "", text).replace(" ", "-")
+
+
+def prose(text):
+    """Text as Doxygen takes it: what is a command for it, and none where the document lies, is none."""
+    text = re.sub(r"%(?=\w)|\\(?=\w)|@(?=\w)|#(?=\w)|(?<![\w>])::(?=\w)", r"\\\g<0>", text).replace('"', "&quot;")
+    # The library's own name is no request for a link to its namespace.
+    return re.sub(r"\bQuarnUtil\b(?!::)", "%QuarnUtil", text)
 
 
 class Site:
@@ -67,38 +79,30 @@ class Site:
 
     def line(self, text, document, page):
         """One line of prose: its links and its heading."""
-        def link(match):
-            label, target = match.groups()
-            where = self.target(target, document)
-            if where is None:
-                return label if label.startswith("`") else f"{label} (`{target.lstrip('./')}`)"
-            return f"[{label}]({where})"
+        def piece(match):
+            part = match[0]
+            if match["code"]:
+                return code_span(part)
+            if match["image"]:
+                label, path = match["label"], match["path"]
+                file = document.parent / path
+                shutil.copy(file, self.output / "html" / file.name)
+                return f'<div class="drawing-frame"><img class="drawing" src="{file.name}" alt="{html.escape(label)}"/></div>'
+            if match["link"]:
+                where = self.target(match["to"], document)
+                label = PIECES.sub(piece, match["words"])
+                return f"[{label}]({where})" if where else f"{label} (`{match['to'].lstrip('./')}`)"
+            return prose(part)
 
-        def image(match):
-            label, path = match.groups()
-            file = document.parent / path
-            shutil.copy(file, self.output / "html" / file.name)
-            return f'<div class="drawing-frame"><img class="drawing" src="{file.name}" alt="{html.escape(label)}"/></div>'
-
-        parts = re.split(r"(`[^`]*`(?!\]))", text)
-        for index, part in enumerate(parts):
-            if part.startswith("`::"):
-                # Not the request for a link that Doxygen takes it for.
-                parts[index] = f"<code>&#58;&#58;{html.escape(part[3:-1])}</code>"
-            elif not part.startswith("`"):
-                part = re.sub(r"!\[([^\]]*)\]\(([^)]+)\)", image, part)
-                # The library; the namespace of its name is meant where code is.
-                parts[index] = part if text.startswith("#") else re.sub(r"\bQuarnUtil\b(?![:\]])", "%QuarnUtil", part)
-        text = "".join(parts)
-        text = re.sub(r"\[((?:`[^`]*`|[^\]`])+)\]\(([^)\s]+)\)(?!\{)", link, text)
         heading = re.match(r"(#+) (.*)", text)
         if heading:
             level, title = heading.groups()
+            shown = PIECES.sub(piece, title)
             if level == "#":
                 self.titles[page] = title
-                return f"# {title} {{#{'mainpage' if page == 'index' else page}}}"
-            return f"{level} {title} {{#{page}-{slug(title)}}}"
-        return text
+                return f"# {shown} {{#{'mainpage' if page == 'index' else page}}}"
+            return f"{level} {shown} {{#{page}-{slug(title)}}}"
+        return PIECES.sub(piece, text)
 
     def document(self, name, document):
         lines, fence = [], False
@@ -116,6 +120,7 @@ class Site:
             else:
                 lines.append(self.line(text, document, name))
         (self.output / f"{name}.md").write_text("\n".join(lines), encoding="utf-8")
+        shutil.copy(document, self.output / "documents" / f"{name}.md")
 
     def example(self, name, folder):
         page = f"example-{name}"
@@ -157,7 +162,8 @@ class Site:
 
     def write(self):
         shutil.rmtree(self.output, ignore_errors=True)
-        (self.output / "html").mkdir(parents=True)
+        for folder in ("html", "documents"): # what is copied to the site, and what the pages are made of
+            (self.output / folder).mkdir(parents=True)
         for name, document in self.documents.items():
             self.document(name, document)
         self.document("index", self.root / "docs/site/start.md")

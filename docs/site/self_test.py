@@ -1,6 +1,8 @@
 #!/usr/bin/python3
 """Tries the site's checks on small headers and pages, right ones and wrong ones: self_test.py, in the repository."""
+import html
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
@@ -30,6 +32,7 @@ def header(members="", own="", after=""):
     return DOCUMENTED % (own, members, after)
 
 
+SIGNS = '"%s=%d" or "%%", a \\n @all <b> & #1 `x < y` and `"%s"\\n &amp; <X>` ::Win32Name `::Other` *p _q "a*b*c" $HOME (QuarnUtil)'
 RIGHT = {
     "a comment above": header("    // Starts it.\n    void Start();"),
     "a comment behind": header("    void Start(); // starts it"),
@@ -41,7 +44,7 @@ RIGHT = {
     "deleted": header("    void Start() = delete;"),
     "private": header("    // Starts it.\n    void Start();\nprivate:\n    void Turn();\n    int m_speed = 0;"),
     "a body with braces": header("    // Starts it.\n    Pump() : m_speed{0} { if (true) { Turn(); } }\nprivate:\n    void Turn();\n    int m_speed;"),
-    "signs that are commands elsewhere": header('    // "%s" of @all \\\\ <b> & #1 `x < y` ::Win32Name *p _q.\n    void Start();'),
+    "signs that are commands elsewhere": header(f"    // {SIGNS}\n    void Start();"),
     "a pointer to a function": header("    // The function of that number.\n    virtual void (*Find(int ordinal) const)() = 0;"),
     "in a namespace detail": header("", after="namespace detail {\nvoid Turn();\n}"),
 }
@@ -79,7 +82,10 @@ def verdict(name, text):
             OUTPUT_DIRECTORY = {folder}
             INPUT = {source}
             """
-        return subprocess.run(["doxygen", "-"], input=settings, text=True, capture_output=True, cwd=ROOT)
+        result = subprocess.run(["doxygen", "-"], input=settings, text=True, capture_output=True, cwd=ROOT)
+        pages = [page.read_text(encoding="utf-8") for page in pathlib.Path(folder).glob("site/class*.html")]
+        result.shown = html.unescape(re.sub(r"<[^>]*>", "", " ".join(pages)))
+        return result
 
 
 def main():
@@ -91,16 +97,21 @@ def main():
             if (result.returncode == 0) != expected:
                 mistakes += 1
                 print(f"{case}: {'refused' if expected else 'taken'}\n{text}\n{result.stderr}", file=sys.stderr)
+    # A comment is shown as it stands.
+    shown = verdict("pump.h", header(f"    // {SIGNS}\n    void Start();")).shown
+    if SIGNS.replace("`", "") not in shown:
+        mistakes += 1
+        print(f"the comment '{SIGNS}' is shown otherwise: {shown}", file=sys.stderr)
     # What the filter makes of a comment, line by line.
     made = header_filter.converted(
         "// Quarn::Pump: a pump.\n//\n//     Pump p;   // <one>\n#pragma once\nnamespace Quarn {\nclass Pump\n{\npublic:\n"
         "    // Starts it: `a < b`, 50 % of c < d.\n    void Start();\n    void Start(int); // at a speed\n};\n}\n")
-    expected = ["class Pump", "{", "public:", "    /// Starts it: `a < b`, 50 \\% of c \\< d.", "    void Start();",
-                "    /// Starts it: `a < b`, 50 \\% of c \\< d.", "    ///", "    /// at a speed", "    void Start(int);", "};", "}", ""]
+    expected = ["class Pump", "{", "public:", "    /// Starts it: <code>a \\< b</code>, 50 \\% of c \\< d.", "    void Start();",
+                "    /// Starts it: <code>a \\< b</code>, 50 \\% of c \\< d.", "    ///", "    /// at a speed", "    void Start(int);", "};", "}", ""]
     if made.split("\n")[-len(expected):] != expected or "/// Pump p;   // <one>" not in made:
         mistakes += 1
         print(f"the filter makes this:\n{made}", file=sys.stderr)
-    print(f"{len(RIGHT) + len(WRONG) + len(RIGHT_PAGES) + len(WRONG_PAGES) + 1} cases, {mistakes} mistakes")
+    print(f"{len(RIGHT) + len(WRONG) + len(RIGHT_PAGES) + len(WRONG_PAGES) + 2} cases, {mistakes} mistakes")
     sys.exit(1 if mistakes else 0)
 
 
