@@ -228,6 +228,18 @@ TEST(XmlHostile, WrongEncodingsAreRefusedAndRightOnesRead)
              std::string("<d><Key Name='\xED\xA0\x80'/></d>"),
              std::string("<d><Key Name='\xF4\x90\x80\x80'/></d>"),
              "\xEF\xBB" + Body,
+             // Wide characters are declared, and there are none.
+             "<?xml version='1.0' encoding='UTF-16'?>" + Body,
+             "\xEF\xBB\xBF<?xml version='1.0' encoding='utf-16'?>" + Body,
+             "<?xml version='1.0' encoding='ISO-10646-UCS-2'?>" + Body,
+             "<?xml version='1.0' encoding='UTF-32'?>" + Body,
+             // Parts of characters behind the end, and half a pair.
+             Body + "\xC3",
+             Body + "\xFE\n",
+             Body + "\n\xE2\x82\n",
+             utf16le + "\n",
+             utf16le + "\x3D\xD8",
+             std::string("\xFE\xFF\0<\0d\0>\0<\0K\0e\0y\0 \0N\0a\0m\0e\0=\0'\xD8\0\0'\0/\0>\0<\0/\0d\0>", 46),
          }) {
         ExpectDocumentRefused(document);
     }

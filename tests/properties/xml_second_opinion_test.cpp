@@ -1,0 +1,215 @@
+// The reader judged by another XML library: nothing that is malformed is read, and everything well-formed in
+// the layout of settings is, with the same settings. QUARN_TEST_DOCUMENTS sets how many documents are made.
+//
+// Deliberately refused although well-formed: a document type; a comment or an instruction outside the root
+// element; another version than 1.0 (1.1 is read, by rules of its own); what is beyond the bounds of depth
+// and size, which other tests reach.
+#include "quarn/properties/win32/settings_reader.h"
+#include "quarn/properties/win32/xml_library.h"
+
+#include "tree_dump.h"
+#include "xml_documents.h"
+#include "xml_second_opinion.h"
+#include "xml_wild_documents.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <iterator>
+#include <map>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using documents::Judge;
+using documents::SecondOpinion;
+using Quarn::PropertyCollection;
+using Quarn::detail::ReadResult;
+using Quarn::detail::ReadSettings;
+
+class XmlSecondOpinion : public ::testing::Test
+{
+protected:
+    void SetUp() override { ASSERT_TRUE(m_library.Started()); }
+
+    Quarn::detail::XmlLibraryUse const m_library;
+    // Of each kind of opinion and of each result.
+    std::map<std::string, int> m_counts;
+
+    void Compare(std::string const& document)
+    {
+        SecondOpinion const opinion = Judge(document);
+        PropertyCollection settings;
+        ReadResult const result = ReadSettings(document, settings);
+        if (opinion.error == "unknown encoding") {
+            ++m_counts["no opinion"]; // it knows fewer
+        } else if (!opinion.isWellFormed) {
+            ++m_counts["malformed"];
+            ++m_counts[opinion.error];
+            ASSERT_EQ(result, ReadResult::Refused) << opinion.error << '\n' << document;
+        } else if (opinion.deliberate != nullptr) {
+            ++m_counts[opinion.deliberate];
+            ASSERT_EQ(result, ReadResult::Refused) << opinion.deliberate << '\n' << document;
+        } else {
+            ++m_counts["well-formed"];
+            ASSERT_NE(result, ReadResult::Refused) << document;
+            if (result == ReadResult::Whole) {
+                ++m_counts["whole"];
+                ASSERT_EQ(Dump(settings), Dump(opinion.settings)) << document;
+            }
+        }
+    }
+};
+
+int DocumentCount()
+{
+    char const* const count = std::getenv("QUARN_TEST_DOCUMENTS");
+    return count != nullptr ? std::atoi(count) : 5000;
+}
+
+TEST_F(XmlSecondOpinion, IsSharedOnGeneratedDocuments)
+{
+    documents::WildGenerator generator(20261121);
+    for (int i = 0; i < DocumentCount(); ++i) {
+        Compare(generator.Next());
+        ASSERT_FALSE(HasFatalFailure()) << "document " << i;
+    }
+    // The generator reaches all of them.
+    for (char const* const kind :
+         {"malformed", "well-formed", "whole", "a document type",
+          "a comment or an instruction outside the root element", "not well-formed (invalid token)",
+          "reference to invalid character number", "undefined entity", "mismatched tag",
+          "duplicate attribute", "unclosed token", "no element found", "unclosed CDATA section",
+          "junk after document element", "XML or text declaration not at start of entity",
+          "XML declaration not well-formed", "encoding specified in XML declaration is incorrect",
+          "partial character"}) {
+        EXPECT_GT(m_counts[kind], 0) << kind;
+    }
+    EXPECT_GT(m_counts["malformed"], DocumentCount() / 4);
+    EXPECT_GT(m_counts["whole"], DocumentCount() / 4);
+    for (auto const& [kind, count] : m_counts) {
+        std::printf("%6d %s\n", count, kind.c_str());
+    }
+}
+
+TEST_F(XmlSecondOpinion, IsSharedOnAFileCutAnywhere)
+{
+    documents::WildGenerator generator(7);
+    for (int i = 0; i < 10; ++i) {
+        std::string const document = generator.Next();
+        for (std::size_t size = 0; size <= document.size(); ++size) {
+            Compare(document.substr(0, size));
+            ASSERT_FALSE(HasFatalFailure()) << "document " << i << " of " << size << " bytes";
+        }
+    }
+    EXPECT_GT(m_counts["well-formed"], 0);
+}
+
+// The productions of names in XML 1.0, fifth edition; the other library keeps to the fourth, which has fewer.
+bool IsNameStart(char32_t c)
+{
+    static constexpr char32_t Ranges[][2] = {
+        {':', ':'},       {'A', 'Z'},       {'_', '_'},       {'a', 'z'},
+        {0xC0, 0xD6},     {0xD8, 0xF6},     {0xF8, 0x2FF},    {0x370, 0x37D},
+        {0x37F, 0x1FFF},  {0x200C, 0x200D}, {0x2070, 0x218F}, {0x2C00, 0x2FEF},
+        {0x3001, 0xD7FF}, {0xF900, 0xFDCF}, {0xFDF0, 0xFFFD}, {0x10000, 0xEFFFF}};
+    return std::any_of(std::begin(Ranges), std::end(Ranges),
+                       [c](char32_t const(&range)[2]) { return c >= range[0] && c <= range[1]; });
+}
+
+bool IsNameCharacter(char32_t c)
+{
+    return IsNameStart(c) || c == '-' || c == '.' || (c >= '0' && c <= '9') || c == 0xB7 ||
+           (c >= 0x300 && c <= 0x36F) || (c >= 0x203F && c <= 0x2040);
+}
+
+// A document in UTF-16 with an empty element of this name.
+std::string WithElement(std::u16string const& name)
+{
+    std::u16string const text = u"\uFEFF<d><Key Name='n'><" + name + u" Name=''/></Key></d>";
+    std::string bytes;
+    for (char16_t const unit : text) {
+        bytes += static_cast<char>(unit);
+        bytes += static_cast<char>(unit >> 8);
+    }
+    return bytes;
+}
+
+ReadResult ResultOf(std::string const& document)
+{
+    PropertyCollection settings;
+    return ReadSettings(document, settings);
+}
+
+TEST_F(XmlSecondOpinion, OnNamesIsThatOfAnEarlierEditionWithFewerCharacters)
+{
+    std::u16string all = u"a";
+    int wrong = 0;
+    for (char16_t c = 0xFFFF; c > 0x7F; --c) {
+        if (c >= 0xD800 && c < 0xE000) {
+            continue;
+        }
+        if (IsNameCharacter(c)) {
+            all += c;
+        }
+        // At the ends of the ranges, and some within.
+        for (bool const isStart : {true, false}) {
+            auto const isRight = [isStart](char32_t x) {
+                return isStart ? IsNameStart(x) : IsNameCharacter(x);
+            };
+            if (c % 128 == 0 || isRight(c) != isRight(c - 1U) || isRight(c) != isRight(c + 1U)) {
+                std::string const document =
+                    WithElement(isStart ? std::u16string(1, c) : u"a" + std::u16string(1, c));
+                ASSERT_EQ(ResultOf(document), isRight(c) ? ReadResult::Whole : ReadResult::Refused)
+                    << std::hex << int{c};
+                ASSERT_TRUE(isRight(c) || !Judge(document).isWellFormed) << std::hex << int{c};
+                wrong += isRight(c) ? 0 : 1;
+            }
+        }
+    }
+    EXPECT_EQ(ResultOf(WithElement(all)), ReadResult::Whole);
+    EXPECT_GT(wrong, 100);
+}
+
+// A declaration of wide characters before narrow ones, and the other way around.
+TEST_F(XmlSecondOpinion, RefusesADeclarationOfAnotherWidthThanThatOfTheBytes)
+{
+    auto const declared = [](std::string const& encoding) {
+        return "<?xml version='1.0' encoding='" + encoding + "'?><d><Key Name='n'/></d>";
+    };
+    auto const wide = [](std::string const& ascii, std::size_t width, bool isBigEndian) {
+        std::string bytes;
+        for (char const c : ascii) {
+            std::string const zeros(width - 1, '\0');
+            bytes += isBigEndian ? zeros + c : c + zeros;
+        }
+        return bytes;
+    };
+    std::string const marks[] = {"\xFE\xFF", "\xFF\xFE"};
+    for (std::string const encoding : {"UTF-16", "utf-16", "UTF16", "UCS-2", "UCS2", "ISO-10646-UCS-2",
+                                       "IBM1200", "UTF-16LE", "UTF-16BE"}) {
+        EXPECT_EQ(ResultOf(declared(encoding)), ReadResult::Refused) << encoding;
+        EXPECT_EQ(ResultOf("\xEF\xBB\xBF" + declared(encoding)), ReadResult::Refused) << encoding;
+        int read = 0;
+        for (bool const isBigEndian : {false, true}) {
+            std::string const bytes = wide(declared(encoding), 2, isBigEndian);
+            read += ResultOf(marks[isBigEndian ? 0 : 1] + bytes) == ReadResult::Whole ? 1 : 0;
+        }
+        EXPECT_GT(read, 0) << encoding;
+    }
+    for (std::string const encoding : {"UTF-32", "UCS-4", "UCS4", "ISO-10646-UCS-4"}) {
+        EXPECT_EQ(ResultOf(declared(encoding)), ReadResult::Refused) << encoding;
+        EXPECT_EQ(ResultOf(marks[1] + wide(declared(encoding), 2, false)), ReadResult::Refused) << encoding;
+        EXPECT_EQ(ResultOf(wide(declared(encoding), 4, false)), ReadResult::Whole) << encoding;
+    }
+    for (std::string const encoding : {"UTF-8", "US-ASCII", "ISO-8859-1"}) {
+        EXPECT_EQ(ResultOf(declared(encoding)), ReadResult::Whole) << encoding;
+        EXPECT_EQ(ResultOf(marks[1] + wide(declared(encoding), 2, false)), ReadResult::Refused) << encoding;
+        EXPECT_EQ(ResultOf(wide(declared(encoding), 2, true)), ReadResult::Refused) << encoding;
+    }
+}
+
+} // namespace
