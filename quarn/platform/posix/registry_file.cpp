@@ -3,7 +3,9 @@
 #include "quarn/platform/posix/errors.h"
 #include "quarn/platform/posix/files.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <iterator>
 #include <utility>
 
 #include <fcntl.h>
@@ -25,18 +27,43 @@ constexpr std::int64_t FormatVersion = 1;
 
 // Keys 1 and 2 are the roots. Numbers of keys are never used again, so an open key that was removed stays
 // removed.
-constexpr char const* Tables = R"(
-CREATE TABLE registry_key(
+constexpr char const* KeyTable = R"(CREATE TABLE registry_key(
   id INTEGER PRIMARY KEY AUTOINCREMENT, parent INTEGER NOT NULL, name TEXT NOT NULL, fold BLOB NOT NULL,
-  UNIQUE(parent, fold));
-CREATE TABLE registry_value(
+  UNIQUE(parent, fold)))";
+constexpr char const* ValueTable = R"(CREATE TABLE registry_value(
   id INTEGER PRIMARY KEY, key_id INTEGER NOT NULL, name TEXT NOT NULL, fold BLOB NOT NULL,
-  type INTEGER NOT NULL, data BLOB NOT NULL, UNIQUE(key_id, fold));
+  type INTEGER NOT NULL, data BLOB NOT NULL, UNIQUE(key_id, fold)))";
+constexpr char const* Beginning = R"(
 INSERT INTO registry_key VALUES (1, 0, 'root 1', x'01'), (2, 0, 'root 2', x'02');
 PRAGMA application_id = 1366451559;
 PRAGMA user_version = 1;
 )";
 static_assert(ApplicationId == 1366451559 && FormatVersion == 1);
+
+// What SQLite keeps of the tables. Whatever else is in a file (a view in a table's place, a trigger, a column
+// that is computed) is somebody's trap.
+struct SchemaRow
+{
+    std::string_view type;
+    std::string_view name;
+    std::string_view table;
+    std::string_view sql;
+
+    bool operator==(SchemaRow const& other) const = default;
+};
+constexpr SchemaRow Schema[] = {
+    {"table", "registry_key", "registry_key", KeyTable},
+    {"index", "sqlite_autoindex_registry_key_1", "registry_key", {}},
+    {"table", "sqlite_sequence", "sqlite_sequence", "CREATE TABLE sqlite_sequence(name,seq)"},
+    {"table", "registry_value", "registry_value", ValueTable},
+    {"index", "sqlite_autoindex_registry_value_1", "registry_value", {}},
+};
+
+// A statement takes a few of the data base's steps for a row, and a row has more bytes. One that takes more
+// steps than that goes round in a damaged file.
+constexpr int StepsPerLook = 20'000;
+constexpr std::int64_t LeastSteps = 50'000;
+constexpr std::int64_t StepsPerByte = 4;
 
 constexpr char const* StatementTexts[] = {
     "BEGIN IMMEDIATE",
@@ -44,21 +71,23 @@ constexpr char const* StatementTexts[] = {
     "ROLLBACK",
     "PRAGMA data_version",
     "SELECT 1 FROM registry_key WHERE id = ?1",
-    "SELECT id FROM registry_key WHERE parent = ?1 AND fold = ?2",
+    // The row is asked, too: an index that leads elsewhere could make a loop of keys.
+    R"(SELECT k.id FROM registry_key AS i CROSS JOIN registry_key AS k ON k.id = i.id
+       WHERE i.parent = ?1 AND i.fold = ?2 AND k.parent = ?1)",
     "SELECT parent FROM registry_key WHERE id = ?1",
     "INSERT INTO registry_key(parent, name, fold) VALUES (?1, ?2, ?3)",
     "SELECT 1 FROM registry_key WHERE parent = ?1 LIMIT 1",
     "DELETE FROM registry_value WHERE key_id = ?1",
     "DELETE FROM registry_key WHERE id = ?1",
     "SELECT id FROM registry_key WHERE parent = ?1 ORDER BY fold",
-    "SELECT name FROM registry_key WHERE id = ?1",
+    "SELECT name FROM registry_key WHERE id = ?1 AND parent = ?2",
     "SELECT type, data FROM registry_value WHERE key_id = ?1 AND fold = ?2",
     R"(INSERT INTO registry_value(key_id, name, fold, type, data)
        SELECT id, ?2, ?3, ?4, ?5 FROM registry_key WHERE id = ?1
        ON CONFLICT(key_id, fold) DO UPDATE SET type = excluded.type, data = excluded.data)",
     "DELETE FROM registry_value WHERE key_id = ?1 AND fold = ?2 RETURNING id",
     "SELECT id FROM registry_value WHERE key_id = ?1 ORDER BY +id",
-    "SELECT name, type, data FROM registry_value WHERE id = ?1",
+    "SELECT name, type, data FROM registry_value WHERE id = ?1 AND key_id = ?2",
 };
 static_assert(std::size(StatementTexts) == static_cast<std::size_t>(RegistryStatement::Count));
 
@@ -212,6 +241,7 @@ std::unique_ptr<RegistryFile> RegistryFile::Open(std::string const& path, Regist
     ::sqlite3_extended_result_codes(database, 1);
     ::sqlite3_busy_handler(database, &WaitForOthers, nullptr);
     ::sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    ::sqlite3_progress_handler(database, StepsPerLook, &RegistryFile::CountSteps, file.get());
     if (!file->Prepare(journal)) {
         if (create) {
             Refuse(ERROR_ACCESS_DENIED);
@@ -236,15 +266,19 @@ bool RegistryFile::Prepare(RegistryJournal journal)
     Execute("BEGIN");
     std::int64_t const id = Ask("PRAGMA application_id");
     std::int64_t const version = Ask("PRAGMA user_version");
-    bool const isNew = id == 0 && version == 0 && Ask("SELECT count(*) FROM sqlite_schema") == 0;
+    bool const isNew = id == 0 && version == 0 && Ask("SELECT 1 FROM sqlite_schema LIMIT 1") == 0;
+    if (!isNew && (id != ApplicationId || version != FormatVersion)) {
+        Refuse(ERROR_NOT_REGISTRY_FILE);
+    }
+    if (!isNew) {
+        CheckTables();
+    }
     Execute("COMMIT");
     if (isNew && !IsWritable()) {
         return false;
     }
     if (isNew) {
         MakeTables();
-    } else if (id != ApplicationId || version != FormatVersion) {
-        Refuse(ERROR_NOT_REGISTRY_FILE);
     }
     if (journal == RegistryJournal::Rollback) {
         Execute("PRAGMA synchronous = FULL");
@@ -268,13 +302,50 @@ void RegistryFile::MakeTables()
 {
     RegistryTransaction transaction(*this);
     if (Ask("PRAGMA application_id") == 0) { // nobody was faster
-        Execute(Tables);
+        Execute(KeyTable);
+        Execute(ValueTable);
+        Execute(Beginning);
     }
     transaction.Commit();
 }
 
+void RegistryFile::CheckTables()
+{
+    std::size_t found = 0;
+    Visit("SELECT type, name, tbl_name, sql FROM sqlite_schema LIMIT 6", [&found](RegistryQuery const& row) {
+        SchemaRow const have = {row.BytesAt(0), row.BytesAt(1), row.BytesAt(2), row.BytesAt(3)};
+        if (std::find(std::begin(Schema), std::end(Schema), have) == std::end(Schema)) {
+            Refuse(ERROR_REGISTRY_CORRUPT);
+        }
+        ++found;
+    });
+    // The parent of the roots is 0, and no key has that number: from a root down there is a tree.
+    std::int64_t roots = 0;
+    Visit("SELECT id, parent FROM registry_key WHERE id BETWEEN 0 AND 2", [&roots](RegistryQuery const& row) {
+        bool const isRoot = row.NumberAt(0) != 0 && row.NumberAt(1) == 0;
+        roots += isRoot ? row.NumberAt(0) : -3;
+    });
+    if (found != std::size(Schema) || roots != 3) {
+        Refuse(ERROR_REGISTRY_CORRUPT);
+    }
+}
+
+int RegistryFile::CountSteps(void* file)
+{
+    auto& self = *static_cast<RegistryFile*>(file);
+    std::int64_t size = 0;
+    char const* const path = ::sqlite3_db_filename(self.m_database, "main");
+    for (char const* const name : {path, ::sqlite3_filename_wal(path)}) {
+        struct ::stat status;
+        size += ::stat(name, &status) == 0 ? status.st_size : 0;
+    }
+    self.m_steps += StepsPerLook;
+    return self.m_steps > LeastSteps + StepsPerByte * size ? 1 : 0;
+}
+
 void RegistryFile::Execute(char const* sql)
 {
+    m_steps = 0;
     int const result = ::sqlite3_exec(m_database, sql, nullptr, nullptr, nullptr);
     if (result != SQLITE_OK) {
         Throw(m_database, result);
@@ -283,6 +354,15 @@ void RegistryFile::Execute(char const* sql)
 
 std::int64_t RegistryFile::Ask(char const* sql)
 {
+    std::int64_t answer = 0;
+    Visit(sql, [&answer](RegistryQuery const& row) { answer = row.NumberAt(0); });
+    return answer;
+}
+
+template<typename Row>
+void RegistryFile::Visit(char const* sql, Row visit)
+{
+    m_steps = 0;
     sqlite3_stmt* statement = nullptr;
     int const result = ::sqlite3_prepare_v2(m_database, sql, -1, &statement, nullptr);
     if (result != SQLITE_OK) {
@@ -290,11 +370,14 @@ std::int64_t RegistryFile::Ask(char const* sql)
     }
     std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> const owner(statement, &::sqlite3_finalize);
     RegistryQuery query(statement);
-    return query.Step() ? query.NumberAt(0) : 0;
+    while (query.Step()) {
+        visit(query);
+    }
 }
 
 RegistryQuery RegistryFile::Query(RegistryStatement statement)
 {
+    m_steps = 0;
     auto const index = static_cast<std::size_t>(statement);
     sqlite3_stmt*& prepared = m_statements[index];
     if (prepared == nullptr) {

@@ -101,10 +101,18 @@ private:
     // False for an empty file that cannot be filled.
     bool Prepare(RegistryJournal journal);
     void MakeTables();
+    // Refuses a file whose tables are not these.
+    void CheckTables();
     void Execute(char const* sql);
+    // The number in the last row; 0 for none.
     std::int64_t Ask(char const* sql);
+    template<typename Row>
+    void Visit(char const* sql, Row visit);
+    // Called by the data base at its work; other than 0 ends it.
+    static int CountSteps(void* file);
 
     sqlite3* m_database;
+    std::int64_t m_steps = 0; // of the statement at work
     std::array<sqlite3_stmt*, static_cast<std::size_t>(RegistryStatement::Count)> m_statements{};
 };
 

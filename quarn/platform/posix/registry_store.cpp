@@ -142,6 +142,9 @@ std::optional<RegistryKeyPlace> RegistryStore::Walk(RegistryKeyPlace from,
         if (!query.Number(from.id).Bytes(folded).Step()) {
             return std::nullopt;
         }
+        if (from.depth == MaxKeyDepth) {
+            Refuse(ERROR_REGISTRY_CORRUPT); // none is made there
+        }
         from = {query.NumberAt(0), from.depth + 1};
     }
     return from;
@@ -318,7 +321,7 @@ RegistryRow RegistryStore::RowAt(RegistryStatement list, RegistryStatement row, 
             break;
         }
         RegistryQuery query = file->Query(row);
-        if (query.Number(listing.rows[index]).Step()) {
+        if (query.Number(listing.rows[index]).Number(key.id).Step()) {
             found.name = query.BytesAt(0);
             found.query = std::move(query);
             return found;
@@ -364,6 +367,12 @@ RegistryStore::Listing& RegistryStore::MakeListing(RegistryStatement query, std:
     rows.Number(key);
     while (rows.Step()) {
         listing.rows.push_back(rows.NumberAt(0));
+    }
+    // A key that is there twice would be walked through twice, and so would those below it.
+    std::vector<std::int64_t> sorted = listing.rows;
+    std::sort(sorted.begin(), sorted.end());
+    if (std::adjacent_find(sorted.begin(), sorted.end()) != sorted.end()) {
+        Refuse(ERROR_REGISTRY_CORRUPT);
     }
     if (m_listings.size() == MaxListings) {
         m_listings.pop_back();

@@ -49,8 +49,7 @@ bool RegistryPropPersist::Populate(PropertyKey* target) const
     return Exists() && PopulatePropKey(target, m_key);
 }
 
-// NOLINTNEXTLINE(misc-no-recursion): the registry's own depth is bounded
-bool RegistryPropPersist::PopulatePropKey(PropertyKey* target, HKEY key)
+void RegistryPropPersist::PopulateValues(PropertyKey* target, HKEY key)
 {
     std::vector<char> name(NameSize);
     std::vector<unsigned char> bytes(DataSize);
@@ -66,6 +65,13 @@ bool RegistryPropPersist::PopulatePropKey(PropertyKey* target, HKEY key)
             target->SetValue(name.data(), data, true);
         }
     }
+}
+
+// NOLINTNEXTLINE(misc-no-recursion): the registry's own depth is bounded
+bool RegistryPropPersist::PopulatePropKey(PropertyKey* target, HKEY key)
+{
+    PopulateValues(target, key);
+    std::vector<char> name(NameSize);
     for (DWORD index = 0;; ++index) {
         DWORD nameSize = NameSize;
         LONG const code =

@@ -32,6 +32,7 @@ public:
     bool Populate(PropertyKey* target) const;
 
 private:
+    static void PopulateValues(PropertyKey* target, HKEY key);
     static bool PopulatePropKey(PropertyKey* target, HKEY key);
     static bool CreatePropertyData(unsigned long type, unsigned char* bytes, unsigned long size,
                                    PropertyData* out);

@@ -108,6 +108,45 @@ TEST(RegistryDamage, DamagedBytesGiveCodesAndNoCrash)
     }
 }
 
+// Files that a data base opens without a word: with other tables, with keys that lead in circles, with trees
+// of pages that lead to one page again and again.
+TEST(RegistryDamage, ATrapIsRefusedAndLeftAsItIs)
+{
+    for (char const* const name :
+         {"foreign_table", "trigger", "endless_view", "default_of_much", "no_roots", "root_below_itself",
+          "key_zero", "too_deep", "a_key_twice", "endless_keys", "endless_values"}) {
+        SCOPED_TRACE(name);
+        RegistryFolder const folder;
+        std::string const content = ContentOf(std::string(QUARN_REGISTRY_SEEDS "/") + name);
+        Write(folder.UserFile(), content);
+        EXPECT_EQ(folder.Run([] {
+            // Down the first sub-keys and along their values until there is an end.
+            std::string path;
+            for (int depth = 0; depth < 1000; ++depth) {
+                HKEY key = nullptr;
+                long code = ::RegOpenKeyExA(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, &key);
+                for (DWORD index = 0; code == 0; ++index) {
+                    char value[300];
+                    DWORD size = sizeof value;
+                    code = ::RegEnumValueA(key, index, value, &size, nullptr, nullptr, nullptr, nullptr);
+                }
+                char first[300];
+                DWORD size = sizeof first;
+                if (code == 259) {
+                    code = ::RegEnumKeyExA(key, 0, first, &size, nullptr, nullptr, nullptr, nullptr);
+                }
+                if (code != 0) {
+                    return code == 1015 ? 0 : static_cast<int>(code % 200 + 1);
+                }
+                path += (path.empty() ? "" : "\\") + std::string(first);
+            }
+            return 255;
+        }),
+                  0);
+        EXPECT_TRUE(ContentOf(folder.UserFile()) == content);
+    }
+}
+
 TEST(RegistryDamage, WhatIsNoLogBesideTheFileIsNoPartOfIt)
 {
     RegistryFolder const folder;
