@@ -2,6 +2,7 @@
 // read byte by byte: both must bring what a simple model brings, and stand where it stands.
 #include "quarn/stream/text_reader.h"
 
+#include "fuzz/memory_bound.h"
 #include "tests/stream/line_model.h"
 
 #include <cstddef>
@@ -12,6 +13,9 @@
 #include <string>
 
 namespace {
+
+// The line, while it grows, in its old and its new place; the exception at the end of the data.
+constexpr fuzz::MemoryBound Bound = {"line_reader", 512, 3};
 
 template<typename Stream>
 void Compare(unsigned char const* data, std::size_t size)
@@ -25,7 +29,8 @@ void Compare(unsigned char const* data, std::size_t size)
     do {
         Quarn::string line;
         std::string expected;
-        bool const result = reader.ReadLine(line);
+        bool result = false;
+        fuzz::Watch(Bound, size, [&] { result = reader.ReadLine(line); });
         if (result != model.ReadLine(expected) || line != expected || stream.gcount() != model.Count() ||
             stream.tellg() != static_cast<std::streamoff>(model.Position())) {
             std::abort();

@@ -2,6 +2,8 @@
 // bounded, stays the same without conversions, and is the text again once its percent signs are doubled.
 #include "quarn/text/format_without_arguments.h"
 
+#include "fuzz/memory_bound.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -11,18 +13,28 @@
 
 namespace {
 
+// One conversion at a time, with its padding.
+constexpr fuzz::MemoryBound Bound = {"log_text", 12 * 1024, 0};
+
 // From a block of exactly the text's size.
 std::string Rendered(std::string const& text)
 {
     std::unique_ptr<char[]> const exact(new char[text.size() + 1]);
     std::memcpy(exact.get(), text.c_str(), text.size() + 1);
+    std::size_t length = 0;
+    fuzz::Watch(Bound, text.size(), [&] {
+        Quarn::detail::FormatWithoutArguments(exact.get(), [&](char const* /*piece*/, std::size_t size) {
+            length += size;
+            return true;
+        });
+    });
     std::string rendered;
     bool const isWhole =
         Quarn::detail::FormatWithoutArguments(exact.get(), [&](char const* piece, std::size_t size) {
             rendered.append(piece, size);
-            return true;
+            return rendered.size() <= length;
         });
-    if (!isWhole) {
+    if (!isWhole || rendered.size() != length) {
         std::abort();
     }
     return rendered;

@@ -6,6 +6,8 @@
 
 #include "quarn/text/number_text.h"
 
+#include "fuzz/memory_bound.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -21,6 +23,10 @@ using Quarn::detail::AsciiToLong;
 using Quarn::detail::DrivePaths;
 
 constexpr std::size_t MaxItems = 8;
+
+// A text grows in its string, and may be read by each of the eight items; a decimal number out of range goes
+// through a stream.
+constexpr fuzz::MemoryBound Bound = {"packed_record", 2048, 3 * MaxItems};
 
 struct Items
 {
@@ -54,8 +60,10 @@ Items ReadItems(string const& record, DrivePaths drivePaths, string const& forma
             ++count;
         }
     }
-    items.complete = Read(record, drivePaths, format.c_str(), targets[0], targets[1], targets[2], targets[3],
-                          targets[4], targets[5], targets[6], targets[7]);
+    fuzz::Watch(Bound, format.size() + record.size(), [&] {
+        items.complete = Read(record, drivePaths, format.c_str(), targets[0], targets[1], targets[2],
+                              targets[3], targets[4], targets[5], targets[6], targets[7]);
+    });
     return items;
 }
 

@@ -4,40 +4,38 @@
 // Input: one byte for the type, then the text or the bytes.
 #include "quarn/properties/property_data.h"
 
+#include "fuzz/check.h"
+#include "fuzz/memory_bound.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 
 namespace {
 
+using fuzz::Check;
 using Quarn::PropertyData;
 
-void Check(bool holds, char const* what)
-{
-    if (!holds) {
-        std::fputs(what, stderr);
-        std::abort();
-    }
-}
+// The data, and its text form while that is made: of binary data two characters for each byte.
+constexpr fuzz::MemoryBound Bound = {"property_data", 256, 2};
+constexpr fuzz::MemoryBound TextBound = {"property_data_text", 256, 4};
 
 // Binary data and numbers come back whole, texts up to their first zero byte.
 void CheckRoundTrip(PropertyData const& data)
 {
     PropertyData const again = PropertyData::Create(data.GetTypename(), data.GetDataString());
-    Check(again.GetType() == data.GetType(), "the type changed\n");
-    Check(again.GetDataString() == data.GetDataString(), "the text form changed\n");
-    Check(again.GetDataInt32() == data.GetDataInt32(), "the number changed\n");
+    Check(again.GetType() == data.GetType(), "the type changed");
+    Check(again.GetDataString() == data.GetDataString(), "the text form changed");
+    Check(again.GetDataInt32() == data.GetDataInt32(), "the number changed");
     if (data.GetType() == PropertyData::TypeBinary) {
         Check(again.GetDataSize() == data.GetDataSize() &&
                   std::equal(data.GetDataBinary(), data.GetDataBinary() + data.GetDataSize(),
                              again.GetDataBinary()),
-              "the bytes changed\n");
+              "the bytes changed");
     }
     PropertyData const copy(data);
     Check(copy.GetDataString() == data.GetDataString() && copy.GetDataSize() == data.GetDataSize(),
-          "the copy differs\n");
+          "the copy differs");
 }
 
 } // namespace
@@ -50,7 +48,12 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     static char const* const names[] = {"string", "binary", "int32", "unknown", "Binary"};
     unsigned char const* const bytes = data + 1;
     Quarn::string const text(reinterpret_cast<char const*>(bytes), size - 1);
-    CheckRoundTrip(PropertyData::Create(names[data[0] % 5], text));
+    Quarn::string const name = names[data[0] % 5];
+    PropertyData created;
+    fuzz::Watch(Bound, size, [&] { created = PropertyData::Create(name, text); });
+    Quarn::string written;
+    fuzz::Watch(TextBound, size, [&] { written = created.GetDataString(); });
+    CheckRoundTrip(created);
     CheckRoundTrip(PropertyData(text));
     CheckRoundTrip(PropertyData(bytes, static_cast<long>(size - 1)));
 

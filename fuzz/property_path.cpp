@@ -5,38 +5,35 @@
 // Input: lines; the first character chooses the operation, the rest is its text.
 #include "quarn/properties/property_collection.h"
 
+#include "fuzz/check.h"
+#include "fuzz/memory_bound.h"
+
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string_view>
 
 namespace {
 
+using fuzz::Check;
 using Quarn::PropertyCollection;
 using Quarn::PropertyData;
 using Quarn::PropertyKey;
 using Quarn::PropertyValue;
 
-void Check(bool holds, char const* what)
-{
-    if (!holds) {
-        std::fputs(what, stderr);
-        std::abort();
-    }
-}
+// Two characters of a path make a key.
+constexpr fuzz::MemoryBound Bound = {"property_path", 2048, 96};
 
 void Apply(PropertyCollection& root, char operation, Quarn::string const& text)
 {
     switch (operation) {
     case 'a': {
         PropertyKey* const key = root.AddSubKey(text.c_str());
-        Check(root.GetSubKey(text.c_str()) == key, "a created key is not found\n");
+        Check(root.GetSubKey(text.c_str()) == key, "a created key is not found");
         break;
     }
     case 'r':
         Check(root.RemoveSubKey(text) || !root.HasSubKey(text) || root.GetSubKey(text.c_str()) == &root,
-              "a key that is there is not removed\n");
+              "a key that is there is not removed");
         break;
     case 'i':
     case 's': {
@@ -45,18 +42,18 @@ void Apply(PropertyCollection& root, char operation, Quarn::string const& text)
         std::size_t const colon = text.find(':');
         Check(value == nullptr || root.GetSubKey(text.substr(0, colon), false)
                                           ->SetValue(value->GetName(), value->GetData(), false) == value,
-              "a specified value is not found\n");
+              "a specified value is not found");
         break;
     }
     case 'v': {
         PropertyValue const* const value = root.GetValue(text);
-        Check(root.HasValue(text) == (value != nullptr), "a value is there and is not\n");
+        Check(root.HasValue(text) == (value != nullptr), "a value is there and is not");
         break;
     }
     case 'd': {
         std::uint64_t const count = root.GetValueCount();
         bool const removed = root.RemoveValue(text);
-        Check(root.GetValueCount() + (removed ? 1 : 0) == count, "a removal miscounts\n");
+        Check(root.GetValueCount() + (removed ? 1 : 0) == count, "a removal miscounts");
         break;
     }
     case 'n':
@@ -67,7 +64,7 @@ void Apply(PropertyCollection& root, char operation, Quarn::string const& text)
     default: {
         Quarn::string path = text;
         PropertyKey const* const expected = root.GetSubKey(text, false);
-        Check(root.GetSubKey(path.data(), false) == expected, "the walk in place differs\n");
+        Check(root.GetSubKey(path.data(), false) == expected, "the walk in place differs");
         root.AddValue(text);
         break;
     }
@@ -93,17 +90,19 @@ bool Equal(PropertyKey const& a, PropertyKey const& b)
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 {
     PropertyCollection root;
-    std::string_view rest(reinterpret_cast<char const*>(data), size);
-    while (!rest.empty()) {
-        std::string_view const line = rest.substr(0, rest.find('\n'));
-        rest.remove_prefix(line.size() < rest.size() ? line.size() + 1 : line.size());
-        if (!line.empty()) {
-            Apply(root, line[0], Quarn::string(line.data() + 1, line.size() - 1));
+    fuzz::Watch(Bound, size, [&] {
+        std::string_view rest(reinterpret_cast<char const*>(data), size);
+        while (!rest.empty()) {
+            std::string_view const line = rest.substr(0, rest.find('\n'));
+            rest.remove_prefix(line.size() < rest.size() ? line.size() + 1 : line.size());
+            if (!line.empty()) {
+                Apply(root, line[0], Quarn::string(line.data() + 1, line.size() - 1));
+            }
         }
-    }
+    });
     // Equal walks the tree by recursion; inputs are far too short to make that deep.
-    Check(Equal(root, PropertyCollection(root)), "the copy differs\n");
+    Check(Equal(root, PropertyCollection(root)), "the copy differs");
     root.ClearDirty();
-    Check(!root.Dirty(), "still dirty\n");
+    Check(!root.Dirty(), "still dirty");
     return 0;
 }

@@ -4,31 +4,29 @@
 #include "quarn/properties/win32/settings_writer.h"
 #include "quarn/properties/win32/xml_library.h"
 
+#include "fuzz/check.h"
+#include "fuzz/memory_bound.h"
+
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
 namespace {
 
-void Require(bool holds, char const* what)
-{
-    if (!holds) {
-        std::fprintf(stderr, "%s\n", what);
-        std::abort();
-    }
-}
+using fuzz::Check;
+
+// The XML library's parser with its buffers; a key of a path of two characters.
+constexpr fuzz::MemoryBound Bound = {"settings_file", 256 * 1024, 96};
 
 std::string Resave(std::string const& document)
 {
     using Quarn::detail::ReadResult;
     Quarn::PropertyCollection tree("Fuzz", "Quarn_Properties");
     ReadResult const result = Quarn::detail::ReadSettings(document, tree);
-    Require(result == ReadResult::Whole, "what was written is not read whole");
+    Check(result == ReadResult::Whole, "what was written is not read whole");
     std::string written;
-    Require(Quarn::detail::WriteSettings(tree, written), "what was read is not written again");
+    Check(Quarn::detail::WriteSettings(tree, written), "what was read is not written again");
     return written;
 }
 
@@ -38,11 +36,12 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
 {
     using Quarn::detail::ReadResult;
     static Quarn::detail::XmlLibraryUse const library;
-    Require(library.Started(), "the XML library does not start");
+    Check(library.Started(), "the XML library does not start");
 
     std::string_view const document(reinterpret_cast<char const*>(data), size);
     Quarn::PropertyCollection tree("Fuzz", "Quarn_Properties");
-    ReadResult const result = Quarn::detail::ReadSettings(document, tree);
+    ReadResult result = ReadResult::Refused;
+    fuzz::Watch(Bound, size, [&] { result = Quarn::detail::ReadSettings(document, tree); });
     std::string first;
     if (result == ReadResult::Refused || !Quarn::detail::WriteSettings(tree, first)) {
         return 0;
@@ -50,6 +49,6 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
 
     // A key of empty name is merged into its parent once; from then on every save gives the same bytes.
     std::string const second = Resave(first);
-    Require(Resave(second) == second, "a save, a load and a save give other bytes");
+    Check(Resave(second) == second, "a save, a load and a save give other bytes");
     return 0;
 }

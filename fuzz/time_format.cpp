@@ -2,6 +2,8 @@
 // is, the text ends within its bound; whether it is accepted is compared with a plain reading of the rule.
 #include "quarn/time/time.h"
 
+#include "fuzz/memory_bound.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -9,6 +11,9 @@
 #include <string>
 
 namespace {
+
+// The text of 255 characters at most, and the format up to its first zero byte.
+constexpr fuzz::MemoryBound Bound = {"time_format", 1024, 2};
 
 bool IsAccepted(std::string const& format)
 {
@@ -35,10 +40,15 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     }
     std::memcpy(&words, data, sizeof words);
     Quarn::string const format(reinterpret_cast<char const*>(data) + sizeof words, size - sizeof words);
-    if (Quarn::Time::VerifyFormatString(format) != IsAccepted(format)) {
+    bool isAccepted = false;
+    Quarn::string text;
+    fuzz::Watch(Bound, size, [&] {
+        isAccepted = Quarn::Time::VerifyFormatString(format);
+        text = Quarn::Time(words).Format(format);
+    });
+    if (isAccepted != IsAccepted(format)) {
         std::abort();
     }
-    Quarn::string const text = Quarn::Time(words).Format(format);
     if (text.size() > longest || text.Contains('\0')) {
         std::abort();
     }

@@ -5,8 +5,10 @@
 
 #include "quarn/platform/posix/resource_image.h"
 
+#include "fuzz/check.h"
+#include "fuzz/memory_bound.h"
+
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 
@@ -14,11 +16,18 @@ using namespace Quarn::detail;
 
 namespace {
 
-void Check(bool condition)
+// The image is read piece by piece, and the block lies in the caller's memory; one text at a time is
+// converted.
+constexpr fuzz::MemoryBound ImageBound = {"module_image", 0, 0};
+constexpr fuzz::MemoryBound BlockBound = {"version_block", 256, 4};
+
+std::optional<ByteRange> Locate(ByteSource& image, std::uint16_t type, std::uint16_t name)
 {
-    if (!condition) {
-        std::abort();
-    }
+    std::optional<ByteRange> found;
+    fuzz::Watch(ImageBound, 0, [&] { found = LocateResource(image, type, name); });
+    fuzz::Check(!found || (found->offset <= image.Size() && found->size <= image.Size() - found->offset),
+                "a resource outside its image");
+    return found;
 }
 
 // A block of exactly its size, asked for everything; each answer lies inside, a text with its terminator.
@@ -27,19 +36,25 @@ void ReadBlock(ByteSource& source, ByteRange range)
     auto const size = static_cast<std::uint32_t>(std::min<std::uint64_t>(range.size, MaxVersionResource));
     std::uint32_t const blockSize = VersionBlockSize(size);
     auto const block = std::make_unique<unsigned char[]>(blockSize);
-    Check(source.Read(range.offset, block.get(), size));
-    CompleteVersionBlock({block.get(), blockSize}, size);
+    fuzz::Check(source.Read(range.offset, block.get(), size), "a resource that cannot be read");
+    fuzz::Watch(BlockBound, size, [&] { CompleteVersionBlock({block.get(), blockSize}, size); });
     for (char const* const path :
          {"\\", "\\VarFileInfo\\Translation", "\\StringFileInfo", "\\StringFileInfo\\040904b0\\CompanyName",
           "\\StringFileInfo\\040904b0\\Comments", "\\StringFileInfo\\040904b0\\ProductName",
           "\\a\\b\\c\\d"}) {
         void const* value = nullptr;
         std::uint32_t valueSize = 0;
-        if (QueryVersionBlock(block.get(), path, value, valueSize)) {
+        bool isFound = false;
+        fuzz::Watch(BlockBound, size,
+                    [&] { isFound = QueryVersionBlock(block.get(), path, value, valueSize); });
+        if (isFound) {
             auto const* const begin = static_cast<unsigned char const*>(value);
             unsigned char const* const end = block.get() + blockSize;
-            Check(begin >= block.get() && begin <= end && valueSize <= static_cast<std::size_t>(end - begin));
-            Check(std::memchr(begin, 0, static_cast<std::size_t>(end - begin)) != nullptr);
+            fuzz::Check(begin >= block.get() && begin <= end &&
+                            valueSize <= static_cast<std::size_t>(end - begin),
+                        "an answer outside the block");
+            fuzz::Check(std::memchr(begin, 0, static_cast<std::size_t>(end - begin)) != nullptr,
+                        "an answer without its end");
         }
     }
 }
@@ -54,11 +69,9 @@ extern "C" int LLVMFuzzerTestOneInput(unsigned char const* data, std::size_t siz
         return 0;
     }
     MemorySource image({data, size});
-    if (auto const range = LocateResource(image, VersionType, VersionName)) {
+    if (auto const range = Locate(image, VersionType, VersionName)) {
         ReadBlock(image, *range);
     }
-    if (auto const range = LocateResource(image, StringTableType, 7)) {
-        Check(range->offset <= size && range->size <= size - range->offset);
-    }
+    Locate(image, StringTableType, 7);
     return 0;
 }

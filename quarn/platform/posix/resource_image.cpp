@@ -288,6 +288,28 @@ private:
 
 } // namespace
 
+std::u16string ReadTableText(ByteSource& image, ByteRange table, unsigned index)
+{
+    std::u16string text;
+    std::uint64_t at = table.offset;
+    std::uint64_t const end = table.offset + table.size;
+    for (unsigned i = 0;; ++i) {
+        auto const units = image.Get<std::uint16_t>(at);
+        if (!units || at + 2 + 2 * std::uint64_t{*units} > end) {
+            return text;
+        }
+        at += 2;
+        if (i == index) {
+            text.reserve(*units);
+            for (std::uint64_t unit = 0; unit < *units; ++unit) {
+                text += static_cast<char16_t>(image.Get<std::uint16_t>(at + 2 * unit).value_or(0));
+            }
+            return text;
+        }
+        at += 2 * std::uint64_t{*units};
+    }
+}
+
 std::optional<ByteRange> LocateResourceInNotes(ByteSource& notes, std::uint64_t alignment, std::uint16_t type,
                                                std::uint16_t name)
 {

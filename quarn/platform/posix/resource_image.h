@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 namespace Quarn::detail {
 
@@ -28,5 +29,9 @@ std::optional<ByteRange> LocateResource(ByteSource& image, std::uint16_t type, s
 // The same in the notes of an ELF module, the bytes of a PT_NOTE segment of this alignment.
 std::optional<ByteRange> LocateResourceInNotes(ByteSource& notes, std::uint64_t alignment, std::uint16_t type,
                                                std::uint16_t name);
+
+// The text at `index`, below 16, of a string table: sixteen texts with the same id / 16, each a length in
+// UTF-16 units and the units. Empty where the table has no such text whole.
+std::u16string ReadTableText(ByteSource& image, ByteRange table, unsigned index);
 
 } // namespace Quarn::detail

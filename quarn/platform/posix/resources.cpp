@@ -46,28 +46,6 @@ void VisitNotes(HMODULE module, Visit visit)
         &walk);
 }
 
-// A string table holds the sixteen texts with the same id / 16, each a length in UTF-16 units and the units.
-std::u16string ReadText(ByteSource& notes, ByteRange table, UINT index)
-{
-    std::u16string text;
-    std::uint64_t at = table.offset;
-    std::uint64_t const end = table.offset + table.size;
-    for (UINT i = 0;; ++i) {
-        auto const units = notes.Get<std::uint16_t>(at);
-        if (!units || at + 2 + 2 * std::uint64_t{*units} > end) {
-            return text;
-        }
-        at += 2;
-        if (i == index) {
-            for (std::uint64_t unit = 0; unit < *units; ++unit) {
-                text += static_cast<char16_t>(notes.Get<std::uint16_t>(at + 2 * unit).value_or(0));
-            }
-            return text;
-        }
-        at += 2 * std::uint64_t{*units};
-    }
-}
-
 // Empty where the module has no such text.
 std::u16string FindText(HMODULE module, UINT id)
 {
@@ -77,7 +55,7 @@ std::u16string FindText(HMODULE module, UINT id)
     VisitNotes(module, [&](ByteSource& notes, std::uint64_t alignment) {
         auto const table = LocateResourceInNotes(notes, alignment, StringTableType, name);
         if (table) {
-            text = ReadText(notes, *table, id % 16);
+            text = ReadTableText(notes, *table, id % 16);
         }
         return table.has_value();
     });

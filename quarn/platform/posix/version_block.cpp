@@ -87,6 +87,7 @@ void ConvertTexts(std::span<unsigned char> block, std::size_t rootEnd, Node cons
     std::size_t const units = (node.valueEnd - node.value) / 2;
     if (node.isText && units > 0) {
         Wide text;
+        text.reserve(units);
         for (std::size_t i = 0; i < units; ++i) {
             text += static_cast<WCHAR>(Word(block.data(), node.value + 2 * i));
         }
