@@ -2,6 +2,9 @@
 #pragma once
 
 #include "quarn/export.h"
+#include "quarn/packing/pack.h"
+#include "quarn/packing/packed_items.h"
+#include "quarn/packing/unpack.h"
 #include "quarn/platform/allocation.h"
 #include "quarn/platform/directory.h"
 #include "quarn/platform/guards.h"

@@ -114,7 +114,7 @@ NAMES = {"seam": ("the seam", "win32_api.h"), "formatter": ("formatter", "bounde
          "platform/windows": ("platform/windows", "entry points"), "text": ("text", "strings, formatting"),
          "stream": ("stream", "records"), "time": ("time", "times, durations"), "units": ("units", "quantities"),
          "properties": ("properties", "the settings tree"), "registry": ("registry", "keys, values"),
-         "properties/win32": ("properties/win32", "settings files")}
+         "properties/win32": ("properties/win32", "settings files"), "packing": ("packing", "typed records")}
 
 
 def draw_rooms():

@@ -21,6 +21,30 @@ long CountRuns()
 }
 // [end]
 
+// [pack a value]
+bool SaveWindow(Quarn::PropertyKey& settings, Window const& window)
+{
+    Quarn::PropertyValue* const value = settings.AddValue("Window");
+    return value != nullptr && Quarn::Pack(*value, window.left, window.top, window.zoom, window.title);
+}
+
+// Empty, or why the window keeps its place.
+Quarn::string LoadWindow(Quarn::PropertyKey const& settings, Window& window)
+{
+    Quarn::PropertyValue const* const value = settings.GetValue("Window");
+    if (value == nullptr) {
+        return "there is none yet";
+    }
+    Quarn::UnpackResult const result =
+        Quarn::Unpack(*value, window.left, window.top, window.zoom, window.title);
+    Quarn::string reason;
+    if (!result) {
+        reason.Format("item %zu of the record is not as it should be", result.item + 1);
+    }
+    return reason;
+}
+// [end]
+
 // [seed settings]
 Quarn::string StationName()
 {

@@ -99,6 +99,24 @@ TEST_F(Guide, KeepsSettings)
     std::filesystem::remove(file);
 }
 
+TEST_F(Guide, PacksAValue)
+{
+    Quarn::PropertyKey settings("Pumps", nullptr);
+    guide::Window window{120, 80, 1.25, "Pumps"};
+    EXPECT_EQ(guide::LoadWindow(settings, window), "there is none yet");
+    ASSERT_TRUE(guide::SaveWindow(settings, window));
+    EXPECT_EQ(settings.GetValue("Window")->GetValueString(), "120,80,1.250000,\"Pumps\",");
+    guide::Window read;
+    EXPECT_EQ(guide::LoadWindow(settings, read), "");
+    EXPECT_EQ(read.left, 120);
+    EXPECT_EQ(read.top, 80);
+    EXPECT_EQ(read.zoom, 1.25);
+    EXPECT_EQ(read.title, "Pumps");
+    settings.GetValue("Window")->SetValue("120,80,");
+    EXPECT_EQ(guide::LoadWindow(settings, read), "item 3 of the record is not as it should be");
+    EXPECT_EQ(read.title, "Pumps");
+}
+
 TEST_F(Guide, SeedsSettingsFromTheRegistry)
 {
     std::filesystem::path const file = DataFolder() / "Station2.xml";

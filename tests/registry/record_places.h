@@ -1,6 +1,8 @@
 // The two places of a packed record, a settings value and a registry value, with one face for typed tests.
 #pragma once
 
+#include "quarn/packing/pack.h"
+#include "quarn/packing/unpack.h"
 #include "quarn/properties/property_key.h"
 #include "quarn/registry/registry_value.h"
 
@@ -22,6 +24,16 @@ public:
     bool Readf(char const* format, Args... args)
     {
         return m_value.Readf(format, args...);
+    }
+    template<typename... Items>
+    bool Pack(Items const&... items)
+    {
+        return Quarn::Pack(m_value, items...);
+    }
+    template<typename... Items>
+    Quarn::UnpackResult Unpack(Items&... items)
+    {
+        return Quarn::Unpack(m_value, items...);
     }
     void Store(Quarn::string const& text) { m_value.SetValue(text); }
     Quarn::string Stored() const { return m_value.GetValueString(); }
@@ -45,6 +57,16 @@ public:
     bool Readf(char const* format, Args... args)
     {
         return m_value.Readf(format, args...);
+    }
+    template<typename... Items>
+    bool Pack(Items const&... items)
+    {
+        return Quarn::Pack(m_value, items...);
+    }
+    template<typename... Items>
+    Quarn::UnpackResult Unpack(Items&... items)
+    {
+        return Quarn::Unpack(m_value, items...);
     }
     void Store(Quarn::string const& text) { m_value.Write(text); }
     Quarn::string Stored()
