@@ -12,8 +12,9 @@
 
 namespace {
 
-// The text of 255 characters at most, and the format up to its first zero byte.
-constexpr fuzz::MemoryBound Bound = {"time_format", 1024, 2};
+// The text of 255 characters at most, and the format up to its first zero byte; the runtime reads the file of
+// the time zone.
+constexpr fuzz::MemoryBound Bound = {"time_format", 6 * 1024, 2};
 
 bool IsAccepted(std::string const& format)
 {
