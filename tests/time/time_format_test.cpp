@@ -27,14 +27,66 @@ constexpr char march[] = "M\xE4rz";
 constexpr char march[] = "M\xC3\xA4rz";
 #endif
 
-// What the runtime library makes of the birthday.
-std::string SystemText(char const* format)
+// What the runtime library makes of a time.
+std::string SystemText(char const* format, Time const& time = birthday)
 {
     std::tm calendar{};
-    birthday.Get_tm(&calendar);
+    time.Get_tm(&calendar);
+    Time const day = At(time.GetYear(), time.GetMonth(), time.GetDate());
+    calendar.tm_yday = static_cast<int>(day.GetJulian() - At(time.GetYear(), 1, 1).GetJulian());
     char text[256] = "";
-    std::strftime(text, sizeof text, format, &calendar);
-    return text;
+    return std::strftime(text, sizeof text, format, &calendar) != 0 ? text : "";
+}
+
+// Mostly dates, most of them with fields in order.
+Time RandomTime(std::mt19937& random)
+{
+    auto const below = [&random](unsigned bound) { return static_cast<int>(random() % bound); };
+    switch (random() % 8) {
+    case 0:
+        return TIME{static_cast<std::uint32_t>(random()), static_cast<std::uint32_t>(random())};
+    case 1:
+        return At(1969 + below(3), 12 * below(2), 1 + below(31), 23 + below(2), 59 + below(2), 59 + below(2));
+    case 2:
+        return At(2999 + below(3), 11 + below(3), 31 * below(2), below(24), below(60), below(60));
+    default:
+        return At(1970 + below(1031), 1 + below(12), 1 + below(31), below(24), below(60), below(60));
+    }
+}
+
+// Conversions and other characters; one format in eight is near the longest text.
+std::string RandomFormat(std::mt19937& random)
+{
+    std::string format;
+    if (random() % 8 == 0) {
+        format.assign(235 + random() % 22, '.');
+    }
+    for (unsigned part = random() % 9; part != 0; --part) {
+        switch (random() % 8) {
+        case 0:
+            format += static_cast<char>(' ' + random() % ('%' - ' '));
+            break;
+        case 1:
+            format += '%';
+            format += letters[random() % 23];
+            break;
+        default:
+            format += '%';
+            format += "YmdHMS"[random() % 6];
+            break;
+        }
+    }
+    return format;
+}
+
+void ExpectSystemTexts(unsigned seed)
+{
+    std::mt19937 random(seed);
+    for (int i = 0; i < 20000; ++i) {
+        Time const time = RandomTime(random);
+        std::string const format = RandomFormat(random);
+        ASSERT_EQ(time.Format(format), SystemText(format.c_str(), time)) << format << ", " << Text(time);
+    }
 }
 
 TEST(VerifyFormatString, TakesTextsWithoutConversions)
@@ -112,6 +164,21 @@ TEST(TimeFormat, NeverShowsMillisecondsOrMicroseconds)
         Quarn::string const format(std::string("%") + letter);
         EXPECT_EQ(birthday.Format(format), whole.Format(format)) << letter;
     }
+}
+
+TEST(TimeFormat, OfAnyFormatAndTimeIsTheSystems)
+{
+    ExpectSystemTexts(21);
+    for (char const* const format : {"%Y%", "%", "%Y %Ez", "\xE4 %Y", "%Y \xE4", "%-d %Y", "%EY", "%Od"}) {
+        EXPECT_EQ(birthday.Format(format), SystemText(format)) << format;
+    }
+}
+
+TEST(TimeFormat, OfAnyFormatAndTimeIsTheSystemsInGerman)
+{
+    GermanLocale const german;
+    ASSERT_TRUE(german.Found()) << "no German locale";
+    ExpectSystemTexts(22);
 }
 
 TEST(TimeFormat, InGerman)
