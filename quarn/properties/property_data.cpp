@@ -84,7 +84,7 @@ PropertyData& PropertyData::operator=(PropertyData&& other) noexcept
 
 void PropertyData::Assign(string const& text)
 {
-    Assign(TypeString, text.c_str(), detail::NarrowCount(text.size() + 1));
+    AssignText(text);
 }
 
 void PropertyData::Assign(long number)
@@ -117,15 +117,19 @@ void PropertyData::Assign(DataType type, void const* source, unsigned long size)
 
 PropertyData PropertyData::Create(string const& typeName, string const& text)
 {
+    return Make(GetType(typeName), text);
+}
+
+PropertyData PropertyData::Make(DataType type, std::string_view text)
+{
     PropertyData data;
-    DataType const type = GetType(typeName);
     switch (type) {
     case TypeString:
-        data.Assign(text);
+        data.AssignText(text);
         break;
     case TypeBinary: {
         std::uint32_t const count = detail::NarrowCount(text.size() / 2);
-        data.AssignBuffer(type, count, [&text, count](unsigned char* buffer) {
+        data.AssignBuffer(type, count, [text, count](unsigned char* buffer) {
             for (std::size_t i = 0; i < count; ++i) {
                 std::string_view const pair(text.data() + 2 * i, 2);
                 buffer[i] = static_cast<unsigned char>(detail::StringToLong(pair, 16));
@@ -203,6 +207,16 @@ void PropertyData::AssignBuffer(DataType type, std::uint32_t size, Fill fill)
     m_type = type;
     m_size = size;
     m_data.buffer = buffer.release();
+}
+
+void PropertyData::AssignText(std::string_view text)
+{
+    std::uint32_t const count = detail::NarrowCount(text.size() + 1);
+    AssignBuffer(TypeString, count, [text, count](unsigned char* buffer) {
+        std::size_t const size = std::min<std::size_t>(text.size(), count);
+        std::copy_n(text.data(), size, buffer);
+        buffer[size] = 0;
+    });
 }
 
 void PropertyData::AssignNumber(DataType type, std::uint32_t size, std::int32_t number)

@@ -12,8 +12,15 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 namespace Quarn {
+
+namespace detail {
+
+class SettingsSteps;
+
+} // namespace detail
 
 class QUARN_API PropertyData
 {
@@ -100,6 +107,9 @@ public:
     bool operator!=(PropertyData const& other) const { return !(*this == other); }
 
 private:
+    friend class detail::SettingsSteps;
+
+    static PropertyData Make(DataType type, std::string_view text);
     // Whether the buffer is in use: by its type alone, so that type and ownership cannot disagree.
     static bool HasBuffer(DataType type) { return type == TypeString || type == TypeBinary; }
     bool HasBuffer() const { return HasBuffer(m_type); }
@@ -107,6 +117,7 @@ private:
     // Replaces the payload by a text or binary data; `fill` writes the bytes of the new buffer.
     template<typename Fill>
     void AssignBuffer(DataType type, std::uint32_t size, Fill fill);
+    void AssignText(std::string_view text);
     void AssignNumber(DataType type, std::uint32_t size, std::int32_t number);
     void Release() noexcept;
 

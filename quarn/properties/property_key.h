@@ -156,6 +156,7 @@ public:
 
 private:
     friend class PropertyValue;
+    friend class detail::SettingsSteps;
     friend class detail::NamedList<PropertyKey>;
     friend class detail::NameIndex<PropertyKey>;
     using KeyList = detail::NamedList<PropertyKey>;
@@ -169,7 +170,9 @@ private:
     bool RemoveChild(PropertyKey* child);
 
     PropertyValue* FindValue(std::string_view name) const;
-    PropertyValue* SetNamedValue(std::string_view name, PropertyData const& data, bool create);
+    // SetValue. Data that is an rvalue is moved into a new value.
+    template<typename Data>
+    PropertyValue* SetNamedValue(std::string_view name, Data&& data, bool create);
     PropertyValue* SetFromSpec(string const& spec, PropertyData (*makeData)(std::string_view text));
     PropertyValue* AppendValue(std::unique_ptr<PropertyValue> value);
 

@@ -112,7 +112,8 @@ PropertyValue* PropertyKey::FindValue(std::string_view name) const
     return m_values != nullptr ? m_values->Find(name) : nullptr;
 }
 
-PropertyValue* PropertyKey::SetNamedValue(std::string_view name, PropertyData const& data, bool create)
+template<typename Data>
+PropertyValue* PropertyKey::SetNamedValue(std::string_view name, Data&& data, bool create)
 {
     name = ValueName(name);
     if (PropertyValue* const found = FindValue(name)) {
@@ -122,11 +123,14 @@ PropertyValue* PropertyKey::SetNamedValue(std::string_view name, PropertyData co
     if (!create) {
         return nullptr;
     }
-    PropertyValue* const added =
-        AppendValue(std::make_unique<PropertyValue>(string(name.data(), name.size()), data, this));
+    PropertyValue* const added = AppendValue(
+        std::make_unique<PropertyValue>(string(name.data(), name.size()), std::forward<Data>(data), this));
     SetDirty();
     return added;
 }
+
+// For readers of whole trees.
+template PropertyValue* PropertyKey::SetNamedValue(std::string_view name, PropertyData&& data, bool create);
 
 PropertyValue* PropertyKey::SetFromSpec(string const& spec, PropertyData (*makeData)(std::string_view text))
 {

@@ -3,13 +3,15 @@
 #include "quarn/properties/named_list.h"
 #include "quarn/properties/property_key.h"
 
+#include <utility>
+
 namespace Quarn {
 
 string const PropertyValue::DefaultValueName = "DefaultValue";
 
-PropertyValue::PropertyValue(string const& name, PropertyData const& data, PropertyKey* key)
-    : m_name(name),
-      m_data(data),
+PropertyValue::PropertyValue(string name, PropertyData data, PropertyKey* key)
+    : m_name(std::move(name)),
+      m_data(std::move(data)),
       m_key(key)
 {}
 

@@ -30,7 +30,7 @@ public:
 
     // A dirty value with copies of name and data. It is not put into `key`, which may be null; a change of
     // the value marks that key dirty, so the key must live as long as the value.
-    PropertyValue(string const& name, PropertyData const& data, PropertyKey* key);
+    PropertyValue(string name, PropertyData data, PropertyKey* key);
     // Name, data, dirty flag and owning key, which is that of `other`.
     PropertyValue(PropertyValue const& other);
     // The same. A value that a key holds keeps its place there, under its new name.

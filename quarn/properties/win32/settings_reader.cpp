@@ -79,8 +79,8 @@ public:
     void endElement(XMLCh const*, XMLCh const*, XMLCh const*) override
     {
         if (m_place == Place::Value && m_depth == m_resumeDepth) {
-            AppendText();
-            m_steps.SetValue(m_name, m_type, m_text);
+            std::size_t const textSize = Append(m_characters.data(), m_characters.size());
+            m_steps.SetValue(m_valueNameSize, m_valueType, textSize);
             m_place = Place::Key;
         } else if (m_place == Place::Ignored && m_depth == m_resumeDepth) {
             m_place = Place::Key;
@@ -114,9 +114,28 @@ private:
         Done,    // behind all that counts; the rest must be well-formed, no more
     };
 
+    // Both attributes that count, null where there is none.
+    struct NameAndType
+    {
+        XMLCh const* name = nullptr;
+        XMLCh const* type = nullptr;
+
+        explicit NameAndType(xercesc::Attributes const& attributes)
+        {
+            for (XMLSize_t i = 0, count = attributes.getLength(); i < count; ++i) {
+                XMLCh const* const attribute = attributes.getQName(i);
+                if (xercesc::XMLString::equals(attribute, NameAttribute)) {
+                    name = attributes.getValue(i);
+                } else if (xercesc::XMLString::equals(attribute, TypeAttribute)) {
+                    type = attributes.getValue(i);
+                }
+            }
+        }
+    };
+
     void EnterRootKey(xercesc::Attributes const& attributes)
     {
-        if (XMLCh const* const name = attributes.getValue(NameAttribute)) {
+        if (XMLCh const* const name = NameAndType(attributes).name) {
             m_steps.SetRootName(ConvertName(name));
             m_levels = 1;
             m_depths.push_back(0);
@@ -128,16 +147,14 @@ private:
 
     void EnterChild(XMLCh const* element, xercesc::Attributes const& attributes)
     {
-        XMLCh const* const name = attributes.getValue(NameAttribute);
-        XMLCh const* const type = attributes.getValue(TypeAttribute);
+        auto const [name, type] = NameAndType(attributes);
         bool const isValue = xercesc::XMLString::equals(element, ValueElement);
         if (name == nullptr || (isValue && type == nullptr)) {
             Stop();
         } else if (isValue) {
-            ConvertName(name);
-            Convert(type, m_type);
+            m_valueNameSize = Append(name, CheckedNameSize(name));
+            m_valueType = PropertyData::GetType(Convert(type, m_type));
             m_characters.clear();
-            m_text.clear();
             Skip(Place::Value);
         } else if (xercesc::XMLString::equals(element, KeyElement)) {
             ConvertName(name);
@@ -191,22 +208,36 @@ private:
         m_resumeDepth = m_depth;
     }
 
-    std::string const& Convert(XMLCh const* characters, std::string& text)
+    string const& Convert(XMLCh const* characters, string& text)
     {
         text.clear();
         m_exact &= AppendFromUtf16(characters, xercesc::XMLString::stringLen(characters), text);
         return text;
     }
 
-    std::string const& ConvertName(XMLCh const* name)
+    static std::size_t CheckedNameSize(XMLCh const* name)
     {
-        if (xercesc::XMLString::stringLen(name) > MaxNameSize) {
+        std::size_t const size = xercesc::XMLString::stringLen(name);
+        if (size > MaxNameSize) {
             throw Refusal();
         }
+        return size;
+    }
+
+    string const& ConvertName(XMLCh const* name)
+    {
+        CheckedNameSize(name);
         return Convert(name, m_name);
     }
 
-    void AppendText() { m_exact &= AppendFromUtf16(m_characters.data(), m_characters.size(), m_text); }
+    // To the texts of the next step; returns how many bytes that makes.
+    std::size_t Append(XMLCh const* characters, std::size_t count)
+    {
+        std::string& texts = m_steps.Texts();
+        std::size_t const start = texts.size();
+        m_exact &= AppendFromUtf16(characters, count, texts);
+        return texts.size() - start;
+    }
 
     SettingsSteps& m_steps;
     Place m_place = Place::Root;
@@ -216,10 +247,11 @@ private:
     std::vector<std::size_t> m_depths; // the levels that each open key has made; the root's key stays
     bool m_stopped = false;
     bool m_exact = true;
-    std::string m_name;
-    std::string m_type;
+    string m_name;
+    string m_type;
+    std::size_t m_valueNameSize = 0;
+    PropertyData::DataType m_valueType = PropertyData::TypeUnknown;
     std::basic_string<XMLCh> m_characters;
-    std::string m_text;
 };
 
 // How many bytes each of the first characters has: "<" and what follows, or a mark of the byte order.

@@ -6,44 +6,39 @@
 
 namespace Quarn::detail {
 
-void SettingsSteps::Add(Kind kind, std::string_view name, std::string_view type, std::string_view text)
+void SettingsSteps::Add(Kind kind, std::string_view name)
 {
-    m_steps.push_back({kind, name.size(), type.size(), text.size()});
+    m_steps.push_back({kind, PropertyData::TypeUnknown, name.size(), 0});
     m_texts += name;
-    m_texts += type;
-    m_texts += text;
 }
 
 void SettingsSteps::Apply(PropertyCollection& collection) const
 {
     std::vector<PropertyKey*> keys = {&collection};
     char const* next = m_texts.data();
-    auto const take = [&next](string& text, std::size_t size) {
-        text.assign(next, size);
+    auto const take = [&next](std::size_t size) {
+        std::string_view const text(next, size);
         next += size;
+        return text;
     };
-    string name;
-    string type;
-    string text;
     for (Step const& step : m_steps) {
-        take(name, step.name);
-        take(type, step.type);
-        take(text, step.text);
+        std::string_view const name = take(step.name);
+        std::string_view const text = take(step.text);
         switch (step.kind) {
         case Kind::Description:
-            collection.SetDocumentDescription(name);
+            collection.SetDocumentDescription(string(name.data(), name.size()));
             break;
         case Kind::RootName:
-            collection.SetName(name);
+            collection.SetName(string(name.data(), name.size()));
             break;
         case Kind::EnterKey:
-            keys.push_back(keys.back()->AddSubKey(name.c_str()));
+            keys.push_back(keys.back()->AddSubKey(string(name.data(), name.size()).c_str()));
             break;
         case Kind::LeaveKey:
             keys.pop_back();
             break;
         case Kind::Value:
-            keys.back()->SetValue(name, PropertyData::Create(type, text), true);
+            keys.back()->SetNamedValue(name, PropertyData::Make(step.type, text), true);
             break;
         }
     }

@@ -1,6 +1,8 @@
 // What reading a settings document does to a collection, kept until the document has proved well-formed.
 #pragma once
 
+#include "quarn/properties/property_data.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -22,9 +24,11 @@ public:
     void EnterKey(std::string_view path) { Add(Kind::EnterKey, path); }
     // Goes back to the key in which the matching EnterKey was taken.
     void LeaveKey() { Add(Kind::LeaveKey, {}); }
-    void SetValue(std::string_view name, std::string_view type, std::string_view text)
+    // A value, in two steps: first its name and its text are appended to Texts().
+    std::string& Texts() { return m_texts; }
+    void SetValue(std::size_t nameSize, PropertyData::DataType type, std::size_t textSize)
     {
-        Add(Kind::Value, name, type, text);
+        m_steps.push_back({Kind::Value, type, nameSize, textSize});
     }
 
     void Apply(PropertyCollection& collection) const;
@@ -42,12 +46,12 @@ private:
     struct Step
     {
         Kind kind;
+        PropertyData::DataType type;
         std::size_t name;
-        std::size_t type;
         std::size_t text;
     };
 
-    void Add(Kind kind, std::string_view name, std::string_view type = {}, std::string_view text = {});
+    void Add(Kind kind, std::string_view name);
 
     std::vector<Step> m_steps;
     std::string m_texts;

@@ -104,9 +104,10 @@ bool AppendFromUtf16(XMLCh const* characters, std::size_t count, std::string& te
 {
     std::size_t const start = text.size();
     text.resize(start + count);
+    char* const bytes = text.data() + start;
     std::size_t ascii = 0;
     while (ascii < count && characters[ascii] < 0x80) {
-        text[start + ascii] = static_cast<char>(characters[ascii]);
+        bytes[ascii] = static_cast<char>(characters[ascii]);
         ++ascii;
     }
     text.resize(start + ascii);
