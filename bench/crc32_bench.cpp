@@ -1,12 +1,8 @@
 // CRC-32 of buffers of 16 bytes to 64 MiB, and what it takes to read them at all.
-#include <array>
-#include <cstdint>
-#include <cstring>
-#include <random>
-#include <vector>
+#include "bench/crc32_bench.h"
 
-#include <benchmark/benchmark.h>
-#include <zlib.h>
+#include "quarn/stream/crc32.h"
+
 #ifdef QUARN_HAVE_LIBDEFLATE
 #include <libdeflate.h>
 #endif
@@ -14,11 +10,9 @@
 #include <isa-l/crc.h>
 #endif
 
-#include "quarn/stream/crc32.h"
-
 namespace {
 
-using Bytes = std::vector<unsigned char>;
+using Bench::Bytes;
 
 std::uint32_t Quarn32(Bytes const& bytes)
 {
@@ -46,55 +40,14 @@ std::uint32_t Isal32(Bytes const& bytes)
 }
 #endif
 
-using Tables = std::array<std::array<std::uint32_t, 256>, 8>;
-
-Tables MakeTables()
-{
-    Tables tables{};
-    for (std::uint32_t i = 0; i < 256; ++i) {
-        std::uint32_t reg = i;
-        for (int bit = 0; bit < 8; ++bit) {
-            reg = (reg >> 1U) ^ ((reg & 1U) != 0 ? 0xEDB88320U : 0U);
-        }
-        tables[0][i] = reg;
-    }
-    for (std::size_t i = 0; i < 256; ++i) {
-        for (std::size_t k = 1; k < tables.size(); ++k) {
-            tables[k][i] = tables[0][tables[k - 1][i] & 0xFFU] ^ (tables[k - 1][i] >> 8U);
-        }
-    }
-    return tables;
-}
-
-Tables const tables = MakeTables();
-
-std::uint32_t ByteTable(std::uint32_t reg, unsigned char const* data, std::size_t n)
-{
-    for (std::size_t i = 0; i < n; ++i) {
-        reg = tables[0][(reg ^ data[i]) & 0xFFU] ^ (reg >> 8U);
-    }
-    return reg;
-}
-
 std::uint32_t ByteTable32(Bytes const& bytes)
 {
-    return ~ByteTable(0xFFFFFFFFU, bytes.data(), bytes.size());
+    return ~Bench::ByteTable(0xFFFFFFFFU, bytes.data(), bytes.size());
 }
 
 std::uint32_t SlicingBy8(Bytes const& bytes)
 {
-    std::uint32_t reg = 0xFFFFFFFFU;
-    std::size_t at = 0;
-    for (; bytes.size() - at >= 8; at += 8) {
-        std::uint32_t words[2];
-        std::memcpy(words, bytes.data() + at, sizeof words);
-        words[0] ^= reg;
-        reg = tables[7][words[0] & 0xFFU] ^ tables[6][words[0] >> 8U & 0xFFU] ^
-              tables[5][words[0] >> 16U & 0xFFU] ^ tables[4][words[0] >> 24U] ^ tables[3][words[1] & 0xFFU] ^
-              tables[2][words[1] >> 8U & 0xFFU] ^ tables[1][words[1] >> 16U & 0xFFU] ^
-              tables[0][words[1] >> 24U];
-    }
-    return ~ByteTable(reg, bytes.data() + at, bytes.size() - at);
+    return ~Bench::SlicingBy8(0xFFFFFFFFU, bytes.data(), bytes.size());
 }
 
 // The limit: the sum of the buffer's words, with the widest vectors that the processor has.
@@ -124,20 +77,7 @@ void VectorSum(benchmark::State& state)
 template<std::uint32_t (*Function)(Bytes const&)>
 void Crc(benchmark::State& state)
 {
-    Bytes bytes(static_cast<std::size_t>(state.range(0)));
-    std::mt19937 random(1);
-    for (unsigned char& byte : bytes) {
-        byte = static_cast<unsigned char>(random());
-    }
-    if (Function(bytes) != Zlib32(bytes)) {
-        state.SkipWithError("wrong checksum");
-        return;
-    }
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(bytes.data());
-        benchmark::DoNotOptimize(Function(bytes));
-    }
-    state.SetBytesProcessed(state.iterations() * state.range(0));
+    Bench::MeasureCrc(state, Function);
 }
 
 void Sizes(benchmark::internal::Benchmark* bench)

@@ -1,11 +1,8 @@
-// The registry beside the bare prepared statements of SQLite that do the same, with the same settings; packed
-// records beside a plain snprintf and sscanf.
+// The registry beside the bare prepared statements of SQLite that do the same, with the same settings.
 #include "quarn/platform/win32_api.h"
 #include "quarn/properties/property_collection.h"
-#include "quarn/properties/property_value.h"
 #include "quarn/properties/win32/registry_persist.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -191,54 +188,6 @@ void SqliteList(benchmark::State& state)
     ::sqlite3_finalize(statement);
 }
 
-// A window rectangle and a name.
-
-void QuarnWriteRecord(benchmark::State& state)
-{
-    Quarn::PropertyValue value("v", Quarn::PropertyData(), nullptr);
-    Quarn::string const name = "Overview";
-    for (auto _ : state) {
-        value.Writef("iiiidt", 120, 80, 1480, 1050, 1.25, &name);
-    }
-}
-
-void SnprintfRecord(benchmark::State& state)
-{
-    Quarn::PropertyValue value("v", Quarn::PropertyData(), nullptr);
-    for (auto _ : state) {
-        char buffer[256];
-        std::snprintf(buffer, sizeof buffer, "%d,%d,%d,%d,%f,\"%s\",", 120, 80, 1480, 1050, 1.25, "Overview");
-        value.SetValue(Quarn::string(buffer));
-    }
-}
-
-void QuarnReadRecord(benchmark::State& state)
-{
-    Quarn::PropertyValue const value("v", Quarn::PropertyData("120,80,1480,1050,1.250000,\"Overview\","),
-                                     nullptr);
-    for (auto _ : state) {
-        int box[4];
-        double zoom = 0;
-        Quarn::string name;
-        benchmark::DoNotOptimize(value.Readf("iiiidt", &box[0], &box[1], &box[2], &box[3], &zoom, &name));
-        benchmark::DoNotOptimize(box);
-    }
-}
-
-void SscanfRecord(benchmark::State& state)
-{
-    Quarn::PropertyValue const value("v", Quarn::PropertyData("120,80,1480,1050,1.250000,\"Overview\","),
-                                     nullptr);
-    for (auto _ : state) {
-        int box[4];
-        double zoom = 0;
-        char name[64];
-        benchmark::DoNotOptimize(std::sscanf(value.GetValueString().c_str(), "%d,%d,%d,%d,%lf,\"%63[^\"]\",",
-                                             &box[0], &box[1], &box[2], &box[3], &zoom, name));
-        benchmark::DoNotOptimize(box);
-    }
-}
-
 BENCHMARK(QuarnRead)->Name("registry/quarn/read a value");
 BENCHMARK(SqliteRead)->Name("registry/bare SELECT/read a value");
 BENCHMARK(QuarnWrite)->Name("registry/quarn/write a value");
@@ -249,9 +198,5 @@ BENCHMARK(SqliteList)->Name("registry/one SELECT/list 10,000 values");
 BENCHMARK(QuarnList<1000, HasSubKey>)->Name("registry/quarn/list 1,000 sub-keys");
 BENCHMARK(QuarnList<largeCount, HasSubKey>)->Name("registry/quarn/list 10,000 sub-keys");
 BENCHMARK(QuarnSeed)->Name("registry/quarn/seed a tree with 10,000 values and keys");
-BENCHMARK(QuarnWriteRecord)->Name("packed record/quarn/write");
-BENCHMARK(SnprintfRecord)->Name("packed record/snprintf/write");
-BENCHMARK(QuarnReadRecord)->Name("packed record/quarn/read");
-BENCHMARK(SscanfRecord)->Name("packed record/sscanf/read");
 
 } // namespace
