@@ -6,8 +6,9 @@
 #include "quarn/text/format_estimate.h"
 
 #include <algorithm>
-#include <memory>
 #include <stdexcept>
+#include <string>
+#include <utility>
 
 namespace Quarn {
 
@@ -297,12 +298,13 @@ int string::FormatVar(char const* format, std::va_list args)
     // Reports texts of more than 2147483647 characters. The C library has told the length better.
     static_cast<void>(EstimateVarLength(format, args));
     if (result >= 0) {
-        std::unique_ptr<char[]> const large(new char[length + 1]);
+        std::string large(length, '\0');
         va_copy(attempt, args);
-        result = detail::FormatBounded(large.get(), length + 1, format, attempt);
+        result = detail::FormatBounded(large.data(), length + 1, format, attempt);
         va_end(attempt);
         if (result >= 0) {
-            assign(large.get());
+            large.resize(std::char_traits<char>::length(large.c_str()));
+            std::string::operator=(std::move(large));
         }
     }
     return result;

@@ -1,34 +1,27 @@
-// What a false length costs. This program counts every byte that it and the library allocate.
+// What a false length costs.
 #include "quarn/text/string_list.h"
 
+#include "tests/counted_memory.h"
 #include "tests/stream/fake_streams.h"
 #include "tests/stream/run_length_compressor.h"
 #include "tests/stream/throws.h"
 
 #include <cstddef>
-#include <cstdlib>
-#include <new>
 #include <string>
 
 #include <gtest/gtest.h>
 
 namespace {
 
-std::size_t g_live = 0;
-std::size_t g_peak = 0;
-std::size_t g_largest = 0;
-
-constexpr std::size_t HeaderSize = alignof(std::max_align_t);
-
 // The most that `action` had allocated at once.
 template<typename Action>
 std::size_t PeakOf(Action action)
 {
-    std::size_t const before = g_live;
-    g_peak = g_live;
-    g_largest = 0;
+    std::size_t const before = g_memory.live;
+    g_memory.peak = g_memory.live;
+    g_memory.largest = 0;
     action();
-    return g_peak - before;
+    return g_memory.peak - before;
 }
 
 Bytes Words(std::initializer_list<unsigned int> words)
@@ -110,7 +103,7 @@ TEST(HostileLength, OfABlockIsAllocatedOnlyAfterItsStoredBytesWereRead)
     stream.SetCompressor(&compressor);
     Quarn::string text;
     PeakOf([&] { EXPECT_EQ(ThrownText([&] { stream >> text; }), "Generic Read"); });
-    EXPECT_LT(g_largest, 100000U);
+    EXPECT_LT(g_memory.largest, 100000U);
 
     // A size that differs from the string's length is refused before anything is allocated.
     FakeInput other(WithBody(Words({0xFFFFFFFF, 50000000, ~50000000U, 50000001, 100000}), 100000));
@@ -135,31 +128,3 @@ TEST(HostileLength, OfAListCostsWhatItsStringsCost)
 }
 
 } // namespace
-
-// Each block remembers its size before its first byte.
-void* operator new(std::size_t size)
-{
-    auto* const block = static_cast<std::size_t*>(std::malloc(size + HeaderSize));
-    if (block == nullptr) {
-        throw std::bad_alloc();
-    }
-    *block = size;
-    g_live += size;
-    g_peak = g_live > g_peak ? g_live : g_peak;
-    g_largest = size > g_largest ? size : g_largest;
-    return reinterpret_cast<char*>(block) + HeaderSize;
-}
-
-void operator delete(void* memory) noexcept
-{
-    if (memory != nullptr) {
-        auto* const block = reinterpret_cast<std::size_t*>(static_cast<char*>(memory) - HeaderSize);
-        g_live -= *block;
-        std::free(block);
-    }
-}
-
-void operator delete(void* memory, std::size_t /*size*/) noexcept
-{
-    operator delete(memory);
-}
