@@ -50,8 +50,12 @@ std::uint32_t SlicingBy8(Bytes const& bytes)
     return ~Bench::SlicingBy8(0xFFFFFFFFU, bytes.data(), bytes.size());
 }
 
-// The limit: the sum of the buffer's words, with the widest vectors that the processor has.
-__attribute__((target_clones("avx512f", "avx2", "default"), optimize("O3"))) std::uint64_t
+// The limit: the sum of the buffer's words, with the widest vectors that the processor has where the program
+// format can choose between functions.
+#ifdef __ELF__
+__attribute__((target_clones("avx512f", "avx2", "default"), optimize("O3")))
+#endif
+std::uint64_t
 SumOf(std::uint64_t const* words, std::size_t count)
 {
     std::uint64_t sums[4] = {};

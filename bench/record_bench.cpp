@@ -7,11 +7,10 @@
 #include "quarn/stream/memory_stream.h"
 #include "quarn/stream/stat_stream.h"
 
+#include <cstdio>
 #include <cstring>
 #include <memory>
 
-#include <fcntl.h>
-#include <unistd.h>
 #include <zlib.h>
 
 namespace {
@@ -251,11 +250,19 @@ void WriteFileQuarn(benchmark::State& state)
     }
 }
 
+// Every transfer is one call of the system.
+std::FILE* OpenUnbuffered(char const* path, char const* mode)
+{
+    std::FILE* const file = std::fopen(path, mode);
+    std::setvbuf(file, nullptr, _IONBF, 0);
+    return file;
+}
+
 void WriteWhole(char const* path, unsigned char const* memory)
 {
-    int const file = ::open(path, O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    benchmark::DoNotOptimize(::write(file, memory, TotalSize));
-    ::close(file);
+    std::FILE* const file = OpenUnbuffered(path, "wb");
+    benchmark::DoNotOptimize(std::fwrite(memory, 1, TotalSize, file));
+    std::fclose(file);
 }
 
 void WriteFileLimit(benchmark::State& state)
@@ -285,9 +292,9 @@ void ReadFileLimit(benchmark::State& state)
     WriteWhole(scratch.Path(), Encoded().get());
     Memory const memory = NewMemory();
     Bench::MeasureRead(state, [&](std::vector<Record>& records) {
-        int const file = ::open(scratch.Path(), O_RDONLY);
-        benchmark::DoNotOptimize(::read(file, memory.get(), TotalSize));
-        ::close(file);
+        std::FILE* const file = OpenUnbuffered(scratch.Path(), "rb");
+        benchmark::DoNotOptimize(std::fread(memory.get(), 1, TotalSize, file));
+        std::fclose(file);
         GetAll(memory.get(), records);
     });
 }

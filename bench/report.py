@@ -10,6 +10,7 @@ import sys
 import growth
 import plots
 import targets
+import wine
 from plots import short
 from results import OURS, Results, is_limit
 
@@ -130,6 +131,7 @@ def main():
         for path in results.paths:
             table(results, path, drawn.get(path))
         print(growth.section(results))
+        print(wine.section(short))
         sys.stdout = sys.__stdout__
     for error in results.errors:
         print(f"not measured: {error}", file=sys.stderr)

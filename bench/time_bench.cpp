@@ -12,7 +12,6 @@
 #include <string>
 
 #include <benchmark/benchmark.h>
-#include <time.h>
 #ifdef QUARN_HAVE_ABSL
 #include <absl/time/civil_time.h>
 #include <absl/time/time.h>
@@ -55,12 +54,6 @@ Fields Of(Quarn::Time const& time)
 {
     return {time.GetYear(), time.GetMonth(),  time.GetDate(),
             time.GetHour(), time.GetMinute(), time.GetSecond()};
-}
-
-Fields Of(std::tm const& calendar)
-{
-    return {calendar.tm_year + 1900, calendar.tm_mon + 1, calendar.tm_mday,
-            calendar.tm_hour,        calendar.tm_min,     calendar.tm_sec};
 }
 
 #ifdef QUARN_HAVE_ABSL
@@ -113,19 +106,6 @@ void ToJulianChrono(benchmark::State& state)
         JulianDay);
 }
 
-void ToJulianTimegm(benchmark::State& state)
-{
-    Dates const& dates = TheDates();
-    MeasureTimes(
-        state,
-        [&](std::size_t i) {
-            std::tm calendar = dates.calendars[i];
-            std::int64_t const seconds = ::timegm(&calendar) + Epoch * 86400;
-            return static_cast<double>(seconds / 86400) - 0.5 + static_cast<double>(seconds % 86400) / 86400;
-        },
-        JulianDay);
-}
-
 #ifdef QUARN_HAVE_ABSL
 void ToJulianAbsl(benchmark::State& state)
 {
@@ -163,19 +143,6 @@ void FromJulianChrono(benchmark::State& state)
         state, [&](std::size_t i) { return FromSeconds(Split(times.julian[i]).Seconds()); }, Original);
 }
 
-void FromJulianGmtime(benchmark::State& state)
-{
-    Bench::Times const& times = TheTimes();
-    MeasureTimes(
-        state,
-        [&](std::size_t i) {
-            std::time_t const seconds = Split(times.julian[i]).Seconds();
-            std::tm calendar;
-            return Of(*::gmtime_r(&seconds, &calendar));
-        },
-        Original);
-}
-
 #ifdef QUARN_HAVE_ABSL
 void FromJulianAbsl(benchmark::State& state)
 {
@@ -207,20 +174,6 @@ void AddChrono(benchmark::State& state)
     Bench::Times const& times = TheTimes();
     MeasureTimes(
         state, [&](std::size_t i) { return FromSeconds(ToSeconds(times.fields[i]) + Added); }, Later);
-}
-
-void AddTimegm(benchmark::State& state)
-{
-    Dates const& dates = TheDates();
-    MeasureTimes(
-        state,
-        [&](std::size_t i) {
-            std::tm calendar = dates.calendars[i];
-            calendar.tm_sec += Added;
-            ::timegm(&calendar);
-            return Of(calendar);
-        },
-        Later);
 }
 
 #ifdef QUARN_HAVE_ABSL
@@ -276,13 +229,10 @@ void FormatAbsl(benchmark::State& state)
 
 BENCHMARK(ToJulianQuarn)->Name("date to Julian day/quarn");
 BENCHMARK(ToJulianChrono)->Name("date to Julian day/std::chrono");
-BENCHMARK(ToJulianTimegm)->Name("date to Julian day/timegm");
 BENCHMARK(FromJulianQuarn)->Name("Julian day to date/quarn");
 BENCHMARK(FromJulianChrono)->Name("Julian day to date/std::chrono");
-BENCHMARK(FromJulianGmtime)->Name("Julian day to date/gmtime_r");
 BENCHMARK(AddQuarn)->Name("time plus duration/quarn");
 BENCHMARK(AddChrono)->Name("time plus duration/std::chrono");
-BENCHMARK(AddTimegm)->Name("time plus duration/timegm");
 BENCHMARK(FormatQuarn)->Name("time as text/quarn");
 BENCHMARK(FormatStrftime)->Name("time as text/strftime");
 BENCHMARK(FormatSnprintf)->Name("time as text/snprintf");

@@ -9,7 +9,9 @@
 #include <vector>
 
 #include <benchmark/benchmark.h>
+#ifdef __GLIBC__
 #include <malloc.h>
+#endif
 
 namespace Bench {
 
@@ -46,11 +48,15 @@ inline std::vector<Address> Addresses(Shape shape)
     return addresses;
 }
 
-// What the allocator has given away, its own overhead included.
+// What the allocator has given away, its own overhead included; 0 where it does not tell.
 inline std::size_t AllocatedBytes()
 {
+#ifdef __GLIBC__
     auto const info = ::mallinfo2();
     return info.uordblks + info.hblkhd;
+#else
+    return 0;
+#endif
 }
 
 // A peer has a Tree, made empty; the Path type that it takes with MakePath(Address), ready before anything is
