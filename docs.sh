@@ -47,6 +47,7 @@ cp build/site-pages/html/* build/site/
 docs/site/mend.py build/site && scripts/check-site build/site build/site-pages/documents || exit 1
 if [ "${1-}" = --check ]; then
     say "Looking at the site in a browser"
-    scripts/check-site-browser build/site build/site-pictures || exit 1
+    scripts/check-site-browser --self-test &&
+        scripts/check-site-browser build/site build/site-pictures || exit 1
 fi
 say "The site is build/site/index.html"

@@ -104,9 +104,25 @@ class Site:
             return f"{level} {shown} {{#{page}-{slug(title)}}}"
         return PIECES.sub(piece, text)
 
+    def others(self, start):
+        """Rows of the start page's table for the documents that it does not name itself."""
+        rows = []
+        for name, document in self.documents.items():
+            if name not in LAST and f"../{name}.md)" not in start:
+                text = document.read_text(encoding="utf-8")
+                title, rest = re.search(r"^# (.*)\n([\s\S]*)", text, re.MULTILINE).groups()
+                first = next((p for p in rest.split("\n\n") if re.match(r"\s*\w", p)), "")
+                sentence = re.match(r"[^.:]*", " ".join(first.split()))[0].replace("|", "\\|")
+                rows.append(f"| [{title}](../{name}.md) | {sentence} |")
+        return rows
+
     def document(self, name, document):
         lines, fence = [], False
-        for text in document.read_text(encoding="utf-8").split("\n"):
+        source_text = document.read_text(encoding="utf-8")
+        if name == "index":
+            before, table = source_text.split("| [Reference]", 1)
+            source_text = before + "".join(row + "\n" for row in self.others(source_text)) + "| [Reference]" + table
+        for text in source_text.split("\n"):
             source = re.match(r"<!-- ([\w./-]+)( \[[^\]]*\])? -->$", text)
             if text.startswith("```"):
                 fence = not fence
@@ -143,7 +159,7 @@ class Site:
             lines += [f"/// @defgroup room_{room.replace('/', '_')} {title}", f"/// @brief {row[1][0].upper()}{row[1][1:]}.", ""]
         rooms = "".join(f"/// - @ref room_{room.replace('/', '_')}\n" for room in ROOMS)
         lines += ["/// @page reference Reference", "/// What every public header declares, room by room. `quarn/quarn_util.h` includes them all.",
-                  "///", rooms, "/// @namespace Quarn", "/// What is the same on every system.", "",
+                  "/// What Win32 functions there are on Linux stands in `quarn/platform/win32_api.h` alone.", "///", rooms, "/// @namespace Quarn", "/// What is the same on every system.", "",
                   "/// @namespace Quarn::Stream", "/// What stands at the beginning of a record.", "",
                   "/// @namespace Quarn::Win32", "/// Settings files, and settings from the registry.", "",
                   "/// @namespace Win32Quarn", "/// What wraps the system: registry, modules, locks, the log.", "",
