@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """What the benchmarks measured under Wine, kept in bench/wine/, and the section of docs/performance.md made of it.
 
-    bench/wine.py RESULTS       keeps the results in this folder of JSON files, without what nobody reads
+    bench/wine.py RESULTS       keeps the results in this folder of JSON files, without what nobody reads; the load
+                                is that of the last 15 minutes
 """
 import glob
 import json
@@ -12,17 +13,17 @@ import sys
 from results import OURS, Results, is_limit
 
 KEPT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "wine")
-FIELDS = ("run_name", "run_type", "family_index", "per_family_instance_index", "cpu_time", "real_time", "time_unit")
+FIELDS = ("run_name", "run_type", "family_index", "per_family_instance_index", "cpu_time", "time_unit")
 
 TEXT = """## The same programs on Windows, under Wine
 
 Measured with `bench/wine.sh` on {machine} with {versions}: the programs that use no calls of one system, built with
 MinGW-w64, beside the peers that it and the distribution bring. The numbers are the other's time over ours, medians of
-{repetitions} repetitions of 0.2 s or more of the processor's time, which Wine tells to 10 ms.
+{repetitions} repetitions of 0.1 s or more of the processor's time, which Wine tells to 10 ms; the load of the machine was {load}.
 
 What they say is limited. Wine is no Windows: its C library, its memory and its files are its own, so `snprintf`,
-`strftime`, allocations and files cost something else there, and so do the peers made of them. They show that no path
-falls behind on that side; they are no targets, and no measurement of Windows.
+`strftime`, allocations and files cost something else there, and so do the peers made of them. They show how the
+same code stands beside the same peers there; they are no targets, and no measurement of Windows.
 
 | path | case | ours | the others, their time over ours |
 |---|---|--:|---|
@@ -40,6 +41,7 @@ def keep(folder):
                 if run["run_type"] == "iteration":
                     kept = {field: run[field] for field in FIELDS}
                     kept["family_index"] += 1000 * order
+                    kept["cpu_time"] = round(kept["cpu_time"], 2)
                     runs.append(kept)
     wine = subprocess.run(["wine", "--version"], capture_output=True, text=True, check=True).stdout.strip()
     compiler = subprocess.run(["x86_64-w64-mingw32-g++-posix", "-dumpfullversion"], capture_output=True, text=True,
@@ -49,7 +51,8 @@ def keep(folder):
     os.makedirs(KEPT, exist_ok=True)
     with open(os.path.join(KEPT, "results.json"), "w", encoding="utf-8") as text:
         head = {"versions": f"{wine} and MinGW-w64's g++ {compiler}",
-                "machine": f"{os.cpu_count()} cores of an {model}"}
+                "machine": f"{os.cpu_count()} cores of an {model}",
+                "load": round(os.getloadavg()[2], 1)}
         text.write('{\n"context": ' + json.dumps(head) + ',\n"benchmarks": [\n')
         text.write(",\n".join(json.dumps(run) for run in runs))
         text.write("\n]\n}\n")
@@ -72,7 +75,7 @@ def section(short):
             others = sorted((row.median, peer) for peer, row in peers.items() if peer != OURS)
             shown = ", ".join(f"{f'*{peer}*' if is_limit(path, peer) else peer} {median / ours.median:.2f}"
                               for median, peer in others)
-            rows.append(f"| {path} | {case or '-'} | {short(ours.median, 'ns')} | {shown} |".replace("\\n", "\\\\n"))
+            rows.append(f"| {path} | {case or '-'} | {short(ours.median, 'ns')} | {shown} |")
     return TEXT.format(repetitions=results.repetitions, rows="\n".join(rows), **context)
 
 

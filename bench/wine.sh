@@ -48,7 +48,7 @@ for program in "$build"/programs/bin/*_bench.exe; do
     name=$(basename "$program" .exe)
     say "Running $name"
     (cd "$results" && "$root/scripts/wine-run" "$build/wine" "$program" --benchmark_repetitions="$repetitions" \
-        --benchmark_enable_random_interleaving=true --benchmark_min_time=0.2 \
+        --benchmark_enable_random_interleaving=true --benchmark_min_time=0.1 \
         --benchmark_out="$name.json" --benchmark_out_format=json </dev/null >"$name.log" 2>&1) ||
         { tail -n 20 "$results/$name.log" >&2; exit 1; }
 done
