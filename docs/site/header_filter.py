@@ -327,6 +327,18 @@ def means(comment, owner, statement):
     return bool(PLURAL.search(text)) or re.search(rf"\b{re.escape(other)}\b", text) is not None
 
 
+def enumerator_numbers(header):
+    """What each enumerator stands for: the text of its value, or one more than the number before."""
+    numbers, following = {}, {}
+    for statement in header.statements:
+        if statement.kind == "value":
+            texts = statement.texts()
+            value = "".join(texts[2:]).strip(",") if "=" in texts else following.get(statement.scope, "0")
+            numbers[statement] = value
+            following[statement.scope] = str(int(value, 0) + 1) if re.fullmatch(r"-?(0[xX][0-9a-fA-F]+|[0-9]+)", value) else f"after {value}"
+    return numbers
+
+
 def documented(header):
     """(statement, lines of its documentation, whether they are another's) of what the reference shows."""
     shared, owner, previous = None, None, None
@@ -375,14 +387,15 @@ def converted(text, room="", path=""):
     attached = set(range(len(top)))
     docs = {}
     drop = []
+    numbers = enumerator_numbers(header)
     for statement, lines, _ in documented(header):
         attached.update(range(statement.comment_first, statement.first))
         for i in range(statement.first, statement.last + 1):
             attached.add(i)
         if lines:
             docs[statement] = markdown(lines)
-        elif statement.kind == "value" and "=" in statement.texts() and statement.scope.statement in docs:
-            docs[statement] = [f"The number {''.join(statement.texts()[2:]).strip(',')}."]
+        elif statement.kind == "value" and statement.scope.statement in docs:
+            docs[statement] = [f"The number {numbers[statement]}."]
         elif statement.texts()[-3:-1] == ["=", "default"]:
             docs[statement] = ["As the compiler makes it."]
         elif statement.name.startswith("~"):

@@ -19,7 +19,8 @@ FIRST = ["first-program", "guide", "formats", "architecture", "reliability", "pe
 LAST = ["coverage", "contributing", "changelog"]
 ROOMS = {
     "text": "Text", "stream": "Streams", "time": "Time", "units": "Quantities and units", "properties": "Settings tree",
-    "properties/win32": "Settings files and stores", "registry": "Registry", "platform": "Platform services",
+    "properties/win32": "Settings files and stores", "registry": "Registry", "packing": "Typed records",
+    "platform": "Platform services",
 }
 # The parts of a line: code, pictures, links, and what is between them.
 PIECES = re.compile(r"(?P<code>`[^`]+`)|(?P<image>!\[(?P<label>[^\]]*)\]\((?P<path>[^)]+)\))|"
@@ -151,6 +152,10 @@ class Site:
     def rooms(self):
         """The groups of the reference: a room each, described by the table in the architecture."""
         table = (self.root / "docs/architecture.md").read_text(encoding="utf-8")
+        headers = re.search(r"set\(public_headers\n(.*?)\n\)", (self.root / "quarn/CMakeLists.txt").read_text(encoding="utf-8"), re.DOTALL)
+        nameless = {header.strip().rpartition("/")[0] for header in headers[1].split("\n")} - set(ROOMS) - {""}
+        if nameless:
+            sys.exit(f"docs/site/pages.py: the reference has no title for {' '.join(sorted(nameless))}")
         lines = []
         for room, title in ROOMS.items():
             row = re.search(rf"^\| `quarn/{room}/`[^|]*\| ([^|]*) \|", table, re.MULTILINE)

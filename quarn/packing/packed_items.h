@@ -16,22 +16,23 @@
 
 namespace Quarn {
 
-// A 64-bit number as an item of its own type, since there are two forms of it: the upper half first (letter T
-// of PropertyValue::Writef), and the lower half first (letter v).
+// A 64-bit number as an item of its own type, since there are two forms of it: here the upper half comes
+// first (letter T of PropertyValue::Writef).
 struct HighFirst
 {
-    std::uint64_t value = 0;
+    std::uint64_t value = 0; // the number
 };
+// The other form: the lower half comes first (letter v).
 struct LowFirst
 {
-    std::uint64_t value = 0;
+    std::uint64_t value = 0; // the number
 };
 
-// What Pack writes to, a settings value or a registry value, and what Unpack reads from: a settings value may
-// be constant then.
+// What Pack writes to: a settings value or a registry value.
 template<typename T>
 concept PackTarget = !std::is_const_v<T> &&
                      (std::derived_from<T, PropertyValue> || std::derived_from<T, Win32Quarn::RegistryValue>);
+// What Unpack reads from: the same, and a settings value may be constant.
 template<typename T>
 concept UnpackSource = PackTarget<T> || std::derived_from<T, PropertyValue>;
 
@@ -46,9 +47,10 @@ concept PackedNumber = std::same_as<T, int> || std::same_as<T, long> || std::sam
 template<typename T>
 concept PackedText = std::convertible_to<T const&, std::string_view> && !std::same_as<T, std::nullptr_t>;
 
-// What Pack and Unpack take.
+// What Pack takes.
 template<typename T>
 concept PackableItem = PackedNumber<T> || PackedText<T>;
+// What Unpack takes.
 template<typename T>
 concept UnpackableItem = PackedNumber<T> || std::same_as<T, string> || std::same_as<T, std::string>;
 

@@ -26,8 +26,10 @@
 
 namespace Quarn {
 
+// What Unpack says of a record: true where it has stored the items.
 struct UnpackResult
 {
+    // What a record can be like.
     enum Reason
     {
         Complete,
@@ -37,8 +39,8 @@ struct UnpackResult
         WrongKind   // the item is none of this type, or a number out of its range
     };
 
-    Reason reason = Complete;
-    std::size_t item = 0; // which one, counted from 0; of TooLong the number of items; otherwise 0
+    Reason reason = Complete; // why nothing was stored, if so
+    std::size_t item = 0;     // which one, counted from 0; of TooLong the number of items; otherwise 0
 
     // Whether the items have been stored.
     explicit operator bool() const { return reason == Complete; }
