@@ -121,7 +121,7 @@ TARGETS = [
     Target("crc32 by tables", "CRC-32 of 1 and 64 KiB by tables",
            "1.5 times the throughput of slicing-by-8, on processors without carry-less multiplication",
            ratio("crc32 by tables", ("1024", "65536"), 1.5, named("slicing")),
-           "1.6 to 1.7 on a quiet machine. Sixteen tables take 16 of the 32 KiB of the first cache, so what else runs "
+           "1.63 to 1.67 on a quiet machine. Sixteen tables take 16 of the 32 KiB of the first cache, so what else runs "
            "shows; braids of two to six words (Kadatch and Jenkins, 2010) were tried: 1.46 to 1.67"),
     Target("crc32", "CRC-32 of 64 MiB", "within 1.2 times the time of a vector sum",
            ratio("crc32", ("67108864",), 1 / 1.2, named("sum"))),
@@ -156,7 +156,7 @@ TARGETS = [
            growth("tree build", (KEY(1000), 1000), (KEY(100000), 100000), 1.1)),
     Target("settings load", "loading 10,000 settings", "within 1.5 times Xerces-C's bare SAX2 reader",
            ratio("settings load", XML, 1 / 1.5, named("Xerces-C SAX2")),
-           "0.64 to 0.71 in several runs, 0.58 before: by instructions it is 79 million beside 57 (95 before). Values "
+           "0.64 to 0.76 in several runs, 0.58 before: by instructions it is 79 million beside 57 (95 before). Values "
            "move into the tree without a copy, types are looked up once, texts go to where they wait at once, both "
            "attributes are found in one pass, a zero byte by one search; 10 million are left for narrow texts and what "
            "has to wait for the end of the document, 13 million for the tree: an object and a payload for each value, "
@@ -174,12 +174,12 @@ TARGETS = [
            ratio("date to Julian day", ("",), 1.0, every("absl", "QDate", "boost", "timegm"), strict=True)),
     Target("Julian day to date", "from a Julian day to its date", "faster than every peer",
            ratio("Julian day to date", ("",), 1.0, every("absl", "QDate", "boost", "gmtime_r"), strict=True),
-           "16.1 ns beside 17.8 of boost::gregorian in other runs: the order depends on where the linker puts the "
-           "loops. Both come down to two divisions by constants; ours packs the fields into two words besides, and "
+           "16.1 ns beside 17.8 of boost::gregorian in other runs: the order has changed from build to "
+           "build. Both come down to two divisions by constants; ours packs the fields into two words besides, and "
            "they are taken apart again"),
     Target("time plus duration", "adding a duration to a time", "faster than every peer",
            ratio("time plus duration", ("",), 1.0, every("absl", "QDate", "boost", "timegm"), strict=True),
-           "26 ns beside 17 to 33 of absl, whose sum is compiled into the caller and goes from month to month on fields "
+           "26 ns beside 14 to 17 of absl, whose sum is compiled into the caller and goes from month to month on fields "
            "that lie apart; ours is a call into the library that unpacks two words, goes by way of the distance from "
            "year 0 and packs them again, about 180 instructions. Going from month to month was tried: 27.7 ns instead "
            "of 26.3, for its branches are not foreseen"),
