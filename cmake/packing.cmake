@@ -1,4 +1,12 @@
 # What `cpack` makes of a build tree: a DEB on Linux, a ZIP for Windows, each with everything that is installed.
+
+# Everything that goes into a package, and no more.
+add_custom_target(packaged)
+add_dependencies(packaged QuarnUtil QuarnUtilDEU)
+if(TARGET quarn)
+  add_dependencies(packaged quarn)
+endif()
+
 set(CPACK_PACKAGE_NAME QuarnUtil)
 set(CPACK_PACKAGE_VENDOR QuarnUtil)
 set(CPACK_PACKAGE_CONTACT "QuarnUtil maintainers <quarnutil@localhost>")

@@ -6,6 +6,8 @@ packages_test=(libexpat1-dev libgtest-dev locales tzdata pkg-config)
 # The Xerces-C for Windows comes from a source package, which dpkg-dev unpacks.
 packages_windows=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev dpkg-dev wine wine64)
 packages_windows_test=(googletest)
+# To make the packages and to check them.
+packages_package=(adduser dpkg-dev file unzip xz-utils abigail-tools pkg-config zlib1g-dev python3)
 # What the library is measured beside.
 packages_bench=(libbenchmark-dev libdeflate-dev libisal-dev libabsl-dev libfmt-dev libcereal-dev libboost-dev
     libboost-serialization-dev libpoco-dev qtbase5-dev libpugixml-dev)
