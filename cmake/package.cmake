@@ -42,7 +42,8 @@ install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
   DESTINATION ${QUARN_INSTALL_DOCDIR} COMPONENT documentation)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples
   DESTINATION ${QUARN_INSTALL_DOCDIR} COMPONENT documentation
-  FILES_MATCHING REGEX "/docs/.*[.](md|svg|png)$" REGEX "/examples/.*/.*|/zlib_compressor[.]h$")
+  FILES_MATCHING REGEX "/docs/.*[.](md|svg|png)$" REGEX "/examples/.*/.*|/zlib_compressor[.]h$"
+  REGEX "/docs/site" EXCLUDE)
 install(FILES ${PROJECT_SOURCE_DIR}/packaging/copyright DESTINATION ${QUARN_INSTALL_DOCDIR} COMPONENT runtime)
 
 # The licences of what others have made and goes into the files, from the packages that it comes from.

@@ -23,12 +23,12 @@ else()
   set(CPACK_DEBIAN_PACKAGE_NAME quarnutil)
   set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
   set(CPACK_DEBIAN_PACKAGE_SECTION libs)
-  set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "${PROJECT_DESCRIPTION}
- Strings with printf formatting, streams of binary records, settings trees kept
- in XML files, a registry, packed times, distances and velocities with units,
- for programs that run unattended for years. With headers and the CMake and
- pkg-config packages to build programs, tools to look into what they write, and
- the folder /var/lib/quarnutil, which the programs of the group quarnutil share.")
+  set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
+    "Strings with printf formatting, streams of binary records, settings trees kept
+in XML files, a registry, packed times, distances and velocities with units,
+for programs that run unattended for years. With headers and the CMake and
+pkg-config packages to build programs, tools to look into what they write, and
+the folder /var/lib/quarnutil, which the programs of the group quarnutil share.")
   # The libraries' packages come from what the binaries need; the group is made with adduser.
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
   set(CPACK_DEBIAN_PACKAGE_DEPENDS adduser)
