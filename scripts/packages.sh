@@ -2,10 +2,10 @@
 
 # windres, which compiles the resources for both systems, is in binutils-mingw-w64-x86-64.
 packages_build=(cmake ninja-build g++ binutils-mingw-w64-x86-64 libsqlite3-dev libxerces-c-dev zlib1g-dev)
-packages_test=(libexpat1-dev libgtest-dev locales tzdata pkg-config)
+packages_test=(gdb libexpat1-dev libgtest-dev locales tzdata pkg-config)
 # The Xerces-C for Windows comes from a source package, which dpkg-dev unpacks.
 packages_windows=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev dpkg-dev wine wine64)
-packages_windows_test=(googletest)
+packages_windows_test=(gdb-mingw-w64 gdb-mingw-w64-target googletest)
 # To make the packages and to check them.
 packages_package=(adduser dpkg-dev file unzip xz-utils abigail-tools pkg-config zlib1g-dev python3)
 # What the library is measured beside.

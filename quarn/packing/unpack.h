@@ -32,7 +32,7 @@ struct UnpackResult
     // What a record can be like.
     enum Reason
     {
-        Complete,
+        Complete,   // the record is good: its items have been stored
         Unreadable, // there is no such value, it cannot be read, or it holds no text
         TooShort,   // the record ends before the item's last character; an item ends in a comma
         TooLong,    // it goes on behind the last item
