@@ -5,6 +5,7 @@ namespace Quarn::detail {
 
 // The first that the system has of these shell folders: common documents, common application data,
 // application data, local application data, personal. `folder` has MAX_PATH bytes. False where there is none.
+// Throws std::bad_alloc, rather than pass over a folder.
 bool FindDataFolder(char* folder);
 
 } // namespace Quarn::detail

@@ -1,6 +1,7 @@
 #include "quarn/platform/log.h"
 
 #include "quarn/platform/data_folder.h"
+#include "quarn/platform/log_file.h"
 #include "quarn/platform/path_parts.h"
 #include "quarn/platform/win32_api.h"
 #include "quarn/text/format_without_arguments.h"
@@ -92,7 +93,7 @@ bool Open(unsigned int options)
 {
     if (g_log.file == nullptr) {
         bool const truncates = (options & (CloseAfterwards | Truncate)) != 0;
-        g_log.file = ::fopen(g_log.path, truncates ? "wb" : "ab");
+        g_log.file = Quarn::detail::OpenLogFile(g_log.path, truncates);
     }
     return g_log.file != nullptr;
 }

@@ -141,6 +141,7 @@ constexpr DWORD ERROR_CANT_RESOLVE_FILENAME = 1921;
 
 constexpr HRESULT S_OK = 0;
 constexpr HRESULT E_FAIL = static_cast<HRESULT>(0x80004005);
+constexpr HRESULT E_OUTOFMEMORY = static_cast<HRESULT>(0x8007000E);
 constexpr HRESULT E_INVALIDARG = static_cast<HRESULT>(0x80070057);
 
 constexpr bool SUCCEEDED(HRESULT result)

@@ -66,13 +66,18 @@ public:
         return appended;
     }
 
+    // The one behind an item of the list; null behind the last.
+    Item* After(Item const* item) const noexcept
+    {
+        auto const next = m_items.begin() + Position(item) + 1;
+        return next != m_items.end() ? *next : nullptr;
+    }
+
     // Takes one of the items out of the list.
     std::unique_ptr<Item> Take(Item* item) noexcept
     {
         RemoveFromIndex(item);
-        m_items.erase(std::lower_bound(
-            m_items.begin(), m_items.end(), item->m_order,
-            [](Item const* element, std::uint32_t order) { return element->m_order < order; }));
+        m_items.erase(m_items.begin() + Position(item));
         return std::unique_ptr<Item>(item);
     }
 
@@ -95,6 +100,19 @@ public:
 private:
     // Up to this many names are compared one by one.
     static constexpr std::size_t indexedSize = 12;
+
+    std::ptrdiff_t Position(Item const* item) const noexcept
+    {
+        // Where nothing has been taken out, the orders have no gaps.
+        std::size_t const atMost = item->m_order - m_items.front()->m_order;
+        if (atMost < m_items.size() && m_items[atMost] == item) {
+            return static_cast<std::ptrdiff_t>(atMost);
+        }
+        return std::lower_bound(
+                   m_items.begin(), m_items.end(), item->m_order,
+                   [](Item const* element, std::uint32_t order) { return element->m_order < order; }) -
+               m_items.begin();
+    }
 
     void MakeIndex() const
     {

@@ -191,22 +191,25 @@ void PropertyKey::SetDirty()
 
 void PropertyKey::ClearDirty()
 {
-    std::vector<PropertyKey*> keys{this};
-    while (!keys.empty()) {
-        PropertyKey* const key = keys.back();
-        keys.pop_back();
-        if (!key->m_dirty) {
-            continue;
-        }
-        key->m_dirty = false;
-        if (key->m_values != nullptr) {
+    // From key to key along their links: what has been saved must not fail for want of memory now.
+    PropertyKey* key = this;
+    while (key != nullptr) {
+        bool const wasDirty = std::exchange(key->m_dirty, false);
+        if (wasDirty && key->m_values != nullptr) {
             for (PropertyValue* const value : key->m_values->Items()) {
                 value->ClearDirty();
             }
         }
-        if (key->m_children != nullptr) {
-            keys.insert(keys.end(), key->m_children->Items().begin(), key->m_children->Items().end());
+        if (wasDirty && key->GetKeyCount() != 0) {
+            key = key->m_children->Items().front();
+            continue;
         }
+        PropertyKey* next = nullptr;
+        while (key != this && next == nullptr) {
+            next = key->m_holder->m_children->After(key);
+            key = key->m_holder;
+        }
+        key = next;
     }
 }
 

@@ -59,6 +59,7 @@ void Redirect(std::filesystem::path const& root)
 {
     SetVariable("QUARNUTIL_MACHINE_DIR", root / "data");
     SetVariable("XDG_DATA_HOME", root / "user");
+    SetVariable("XDG_CONFIG_HOME", root / "config"); // where the data folder cannot be found
 #if defined(QUARN_TEST_LOCALES)
     SetVariable("LOCPATH", QUARN_TEST_LOCALES);
 #endif

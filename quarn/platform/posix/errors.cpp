@@ -1,7 +1,7 @@
 #include "quarn/platform/posix/errors.h"
 
 #include <cerrno>
-#include <string>
+#include <string_view>
 
 #include <sys/stat.h>
 
@@ -84,6 +84,16 @@ DWORD ErrorFromErrno(int error)
     }
 }
 
+FolderOf::FolderOf(char const* path)
+{
+    std::string_view folder = path;
+    folder = folder.substr(0, folder.find_last_not_of('/') + 1);
+    folder = folder.substr(0, folder.find_last_of('/') + 1);
+    if (folder.size() < sizeof m_path) {
+        folder.copy(m_path, folder.size());
+    }
+}
+
 BOOL FailErrno()
 {
     return Fail(ErrorFromErrno(errno));
@@ -99,15 +109,10 @@ BOOL FailPath(char const* path, DWORD existing)
         return Fail(ERROR_PATH_NOT_FOUND);
     }
     if (error == ENOENT) {
-        return Guarded(FALSE, [path] {
-            // The path up to its last component; what is empty after that has no folder to miss.
-            std::string folder = path;
-            folder.erase(folder.find_last_not_of('/') + 1);
-            folder.erase(folder.find_last_of('/') + 1);
-            struct ::stat status;
-            bool const missing = !folder.empty() && ::stat(folder.c_str(), &status) != 0;
-            return Fail(missing || *path == '\0' ? ERROR_PATH_NOT_FOUND : ERROR_FILE_NOT_FOUND);
-        });
+        FolderOf const folder(path);
+        struct ::stat status;
+        bool const missing = *folder.Path() != '\0' && ::stat(folder.Path(), &status) != 0;
+        return Fail(missing || *path == '\0' ? ERROR_PATH_NOT_FOUND : ERROR_FILE_NOT_FOUND);
     }
     return Fail(ErrorFromErrno(error));
 }

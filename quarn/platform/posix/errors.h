@@ -4,6 +4,7 @@
 
 #include "quarn/platform/win32_api.h"
 
+#include <climits>
 #include <new>
 #include <utility>
 
@@ -21,6 +22,18 @@ BOOL FailErrno();
 // The same for an operation on a path: a missing folder (ERROR_PATH_NOT_FOUND) is told from a missing file
 // (ERROR_FILE_NOT_FOUND), and what exists already is reported as `existing`.
 BOOL FailPath(char const* path, DWORD existing = ERROR_ALREADY_EXISTS);
+
+// The folder in a path, up to and with the last '/' before the last component; empty for a name alone, and
+// for what no system call takes. Needs no memory.
+class FolderOf
+{
+public:
+    explicit FolderOf(char const* path);
+    char const* Path() const { return m_path; }
+
+private:
+    char m_path[PATH_MAX] = "";
+};
 
 // What `operation` returns, or `failure` with ERROR_NOT_ENOUGH_MEMORY when there is no memory for it.
 template<typename Result, typename Operation>

@@ -17,12 +17,10 @@ constexpr std::size_t CopyStep = std::size_t{64} * 1024;
 
 // Makes the names in the path's folder durable. A folder that this process may not read, or a file system
 // that has no such call, cannot be synced; only a device's refusal counts as a failure.
-bool SyncFolder(std::string path)
+bool SyncFolder(char const* path)
 {
-    path.erase(path.find_last_not_of('/') + 1);
-    std::size_t const slash = path.find_last_of('/');
-    std::string const folder = slash == path.npos ? "." : path.substr(0, slash + 1);
-    Descriptor const descriptor = Open(folder.c_str(), O_RDONLY | O_DIRECTORY);
+    FolderOf const folder(path);
+    Descriptor const descriptor = Open(*folder.Path() != '\0' ? folder.Path() : ".", O_RDONLY | O_DIRECTORY);
     return !descriptor || ::fsync(descriptor.Get()) == 0 ||
            (errno != EIO && errno != ENOSPC && errno != EDQUOT);
 }
@@ -45,13 +43,19 @@ int RenameNoReplace(char const* from, char const* to)
     if (::link(from, to) != 0) {
         return -1;
     }
-    return ::unlink(from);
+    if (::unlink(from) != 0) {
+        int const error = errno;
+        ::unlink(to);
+        errno = error;
+        return -1;
+    }
+    return 0;
 }
 
 // Copies the bytes and the time of writing into an empty file.
-bool CopyContents(Descriptor const& from, Descriptor const& to, struct ::stat const& status)
+bool CopyContents(Descriptor const& from, Descriptor const& to, struct ::stat const& status,
+                  std::vector<char>& step)
 {
-    std::vector<char> step(CopyStep);
     for (;;) {
         long const count = ReadAll(from.Get(), step.data(), step.size());
         if (count < 0) {
@@ -71,6 +75,7 @@ bool CopyContents(Descriptor const& from, Descriptor const& to, struct ::stat co
 
 BOOL Copy(char const* from, char const* to, bool failIfExists)
 {
+    std::vector<char> step(CopyStep); // before there is a file that could stay behind
     Descriptor const source = Open(from, O_RDONLY | O_NONBLOCK | O_NOCTTY);
     struct ::stat status;
     if (!source || ::fstat(source.Get(), &status) != 0) {
@@ -103,7 +108,7 @@ BOOL Copy(char const* from, char const* to, bool failIfExists)
             return FailErrno();
         }
     }
-    if (!CopyContents(source, target, status)) {
+    if (!CopyContents(source, target, status, step)) {
         FailErrno();
         if (created) {
             ::unlink(to);
@@ -172,7 +177,7 @@ BOOL MoveFileExA(char const* from, char const* to, DWORD flags)
     if ((flags & MOVEFILE_WRITE_THROUGH) == 0) {
         return TRUE;
     }
-    return Guarded(FALSE, [&] { return SyncFolder(to) && SyncFolder(from) ? TRUE : FailErrno(); });
+    return SyncFolder(to) && SyncFolder(from) ? TRUE : FailErrno();
 }
 
 BOOL CopyFileA(char const* from, char const* to, BOOL failIfExists)

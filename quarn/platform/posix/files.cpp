@@ -56,6 +56,27 @@ BOOL CheckKind(Descriptor const& descriptor, bool writes, DWORD flags)
     return writes && IsReadOnly(status) ? Fail(ERROR_ACCESS_DENIED) : TRUE;
 }
 
+// Takes a file away again that has been created, unless all is well in the end.
+class CreatedFile
+{
+public:
+    CreatedFile() = default;
+    CreatedFile(CreatedFile const&) = delete;
+    CreatedFile& operator=(CreatedFile const&) = delete;
+    ~CreatedFile()
+    {
+        if (m_path != nullptr) {
+            ::unlink(m_path);
+        }
+    }
+
+    void Take(char const* path) { m_path = path; }
+    void Keep() { m_path = nullptr; }
+
+private:
+    char const* m_path = nullptr;
+};
+
 HANDLE OpenFile(char const* path, DWORD access, DWORD disposition, DWORD flags)
 {
     bool const reads = (access & GENERIC_READ) != 0;
@@ -66,6 +87,7 @@ HANDLE OpenFile(char const* path, DWORD access, DWORD disposition, DWORD flags)
                       : reads ? O_RDONLY
                               : O_PATH) |
                      O_NONBLOCK | O_NOCTTY;
+    CreatedFile ours; // closed before it is taken away, for it comes first
     Descriptor descriptor;
     bool created = false;
     if (disposition != CREATE_NEW) {
@@ -74,6 +96,7 @@ HANDLE OpenFile(char const* path, DWORD access, DWORD disposition, DWORD flags)
     if (!descriptor && (disposition == CREATE_NEW || (disposition == CREATE_ALWAYS && errno == ENOENT))) {
         descriptor = Open(path, mode | O_CREAT | (disposition == CREATE_NEW ? O_EXCL : O_TRUNC), 0666);
         created = true;
+        ours.Take(descriptor && disposition == CREATE_NEW ? path : nullptr);
     }
     if (!descriptor) {
         FailPath(path, ERROR_FILE_EXISTS);
@@ -90,6 +113,7 @@ HANDLE OpenFile(char const* path, DWORD access, DWORD disposition, DWORD flags)
     }
     HANDLE const handle = AddHandle(std::make_shared<File>(std::move(descriptor), access));
     ::SetLastError(disposition == CREATE_ALWAYS && !created ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
+    ours.Keep();
     return handle;
 }
 

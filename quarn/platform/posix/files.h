@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 #include <sys/stat.h>
 
@@ -29,6 +30,8 @@ public:
 
     explicit operator bool() const { return m_descriptor >= 0; }
     int Get() const { return m_descriptor; }
+    // Somebody else closes it now.
+    int Release() { return std::exchange(m_descriptor, -1); }
 
 private:
     int m_descriptor = -1;

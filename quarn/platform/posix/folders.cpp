@@ -38,10 +38,18 @@ std::string HomeFolder()
     return found != nullptr && found->pw_dir[0] == '/' ? found->pw_dir : "";
 }
 
+// Whether the error says that there is no such folder, rather than that nobody can tell now.
+bool MeansNone(int error)
+{
+    return error == ENOENT || error == ENOTDIR || error == EACCES || error == EPERM || error == EROFS ||
+           error == ELOOP || error == ENAMETOOLONG;
+}
+
+// What cannot be told is taken for a folder: looking elsewhere would show another store, an empty one.
 bool IsFolder(std::string const& path)
 {
     struct ::stat status;
-    return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    return ::stat(path.c_str(), &status) == 0 ? S_ISDIR(status.st_mode) : !MeansNone(errno);
 }
 
 // The folder that the variable names, else the one under the home folder, which must exist: nobody makes
@@ -64,9 +72,8 @@ bool MakeFolder(std::string const& path)
 {
     for (std::size_t end = 1; end != path.npos;) {
         end = path.find('/', end + 1);
-        if (::mkdir(path.substr(0, end).c_str(), 0700) != 0 && errno != EEXIST && errno != EACCES &&
-            errno != EROFS) {
-            return false;
+        if (::mkdir(path.substr(0, end).c_str(), 0700) != 0 && errno != EEXIST && !MeansNone(errno)) {
+            return true; // as full as a disk may be now, this is its place
         }
     }
     return IsFolder(path);
@@ -129,7 +136,7 @@ HRESULT SHGetFolderPathA(HWND /*owner*/, int folder, HANDLE /*token*/, DWORD /*f
     default:
         return E_INVALIDARG;
     }
-    return Guarded(E_FAIL, [&] {
+    return Guarded(E_OUTOFMEMORY, [&] {
         std::string const found = FindFolder(folder);
         std::memcpy(path, found.c_str(), found.size() + 1);
         return found.empty() ? E_FAIL : S_OK;

@@ -1,10 +1,11 @@
 #include "quarn/platform/posix/lock_file.h"
 
+#include "quarn/platform/posix/files.h"
+
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstdint>
-#include <cstdlib>
 #include <mutex>
 #include <vector>
 
@@ -52,23 +53,18 @@ OpenFiles& Files()
     return files;
 }
 
-// Creates the file with its final mode: it gets its name only then.
+// Creates the file with its final mode: it gets its name only then, and has none before, so that nothing
+// stays behind.
 int CreateLockFile(std::string const& path)
 {
-    std::string temporary = path + ".XXXXXX";
-    int const descriptor = ::mkostemp(temporary.data(), O_CLOEXEC);
-    if (descriptor < 0) {
+    std::string const folder = path.substr(0, path.rfind('/') + 1);
+    Descriptor file(::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600));
+    if (!file || ::fchmod(file.Get(), 0666) != 0) {
         return -1;
     }
-    int const result =
-        ::fchmod(descriptor, 0666) == 0 && ::link(temporary.c_str(), path.c_str()) == 0 ? descriptor : -1;
-    int const error = errno;
-    ::unlink(temporary.c_str());
-    if (result < 0) {
-        ::close(descriptor);
-    }
-    errno = error;
-    return result;
+    std::string const self = "/proc/self/fd/" + std::to_string(file.Get());
+    return ::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0 ? file.Release()
+                                                                                            : -1;
 }
 
 // Without O_CREAT: systems refuse it for files of other users in folders that everybody may write to.

@@ -229,12 +229,12 @@ std::unique_ptr<RegistryFile> RegistryFile::Open(std::string const& path, Regist
         CreateFile(path, journal);
     }
     int const access = IsReadOnlyFile(path.c_str()) ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
-    sqlite3* database = nullptr;
+    std::unique_ptr<RegistryFile> file(new RegistryFile);
+    sqlite3*& database = file->m_database;
     int const result = ::sqlite3_open_v2(path.c_str(), &database, access | SQLITE_OPEN_NOMUTEX, nullptr);
     if (database == nullptr) {
         Refuse(ERROR_NOT_ENOUGH_MEMORY);
     }
-    std::unique_ptr<RegistryFile> file(new RegistryFile(database));
     if (result != SQLITE_OK) {
         Throw(database, result);
     }
@@ -417,6 +417,7 @@ void RegistryFile::CloseInHaste()
 
 RegistryTransaction::RegistryTransaction(RegistryFile& file) : m_file(file)
 {
+    m_file.Query(RegistryStatement::Rollback); // made ready while there is memory for it
     m_file.Run(RegistryStatement::Begin);
 }
 
@@ -425,7 +426,9 @@ RegistryTransaction::~RegistryTransaction()
     if (m_open) {
         try {
             m_file.Run(RegistryStatement::Rollback);
-        } catch (RegistryFailure const&) { // NOLINT(bugprone-empty-catch): an error may have done it already
+        } catch (RegistryFailure const&) {
+            // An error may have done it already; otherwise only closing the file ends the transaction.
+            m_file.m_isStuck = ::sqlite3_get_autocommit(m_file.m_database) == 0;
         }
     }
 }

@@ -92,11 +92,15 @@ public:
     void ForgetLastRow();
     std::int64_t LastRow() const;
 
+    // In a transaction that could not be undone: the file has to be opened anew.
+    bool IsStuck() const { return m_isStuck; }
+
     // Makes the end quick: the next process to open the file has the rest of the work.
     void CloseInHaste();
 
 private:
-    explicit RegistryFile(sqlite3* database) : m_database(database) {}
+    friend class RegistryTransaction;
+    RegistryFile() = default;
 
     // False for an empty file that cannot be filled.
     bool Prepare(RegistryJournal journal);
@@ -111,7 +115,8 @@ private:
     // Called by the data base at its work; other than 0 ends it.
     static int CountSteps(void* file);
 
-    sqlite3* m_database;
+    sqlite3* m_database = nullptr;
+    bool m_isStuck = false;
     std::int64_t m_steps = 0; // of the statement at work
     std::array<sqlite3_stmt*, static_cast<std::size_t>(RegistryStatement::Count)> m_statements{};
 };

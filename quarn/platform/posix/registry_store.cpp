@@ -16,7 +16,11 @@ constexpr std::size_t MaxListings = 8;
 std::string FolderPath(int folder)
 {
     char path[MAX_PATH];
-    return SUCCEEDED(::SHGetFolderPathA(nullptr, folder, nullptr, 0, path)) ? path : "";
+    HRESULT const result = ::SHGetFolderPathA(nullptr, folder, nullptr, 0, path);
+    if (result == E_OUTOFMEMORY) {
+        throw std::bad_alloc();
+    }
+    return SUCCEEDED(result) ? path : "";
 }
 
 } // namespace
@@ -107,6 +111,9 @@ void RegistryStore::FindPath()
 
 RegistryFile* RegistryStore::File(bool create)
 {
+    if (m_file && m_file->IsStuck()) {
+        m_file.reset();
+    }
     if (!m_file) {
         if (m_path.empty()) {
             FindPath();
@@ -287,7 +294,11 @@ void RegistryStore::SetValue(RegistryKeyPlace key, std::string_view name, DWORD 
     }
     if (Listing* const listing = FindListing(RegistryStatement::ListValues, key.id);
         listing != nullptr && file.LastRow() != 0) {
-        listing->rows.push_back(file.LastRow());
+        try {
+            listing->rows.push_back(file.LastRow());
+        } catch (std::bad_alloc const&) { // the value is there; it is listed anew
+            DropListing(RegistryStatement::ListValues, key.id);
+        }
     }
 }
 

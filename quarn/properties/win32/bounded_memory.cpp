@@ -7,36 +7,43 @@
 
 namespace Quarn::detail {
 
-namespace {
-
-// In front of every block stands its size.
-constexpr std::size_t BlockPrefix = alignof(std::max_align_t);
-static_assert(BlockPrefix >= sizeof(std::size_t));
-
-} // namespace
+BoundedMemory::~BoundedMemory()
+{
+    while (m_blocks != nullptr) {
+        deallocate(m_blocks + 1);
+    }
+}
 
 void* BoundedMemory::allocate(XMLSize_t size)
 {
     if (size > m_left) {
         throw xercesc::OutOfMemoryException();
     }
-    void* const start = ::operator new(size + BlockPrefix, std::nothrow);
+    void* const start = ::operator new(size + sizeof(Block), std::nothrow);
     if (start == nullptr) {
         throw xercesc::OutOfMemoryException();
     }
     m_left -= size;
-    new (start) std::size_t(size);
-    return static_cast<char*>(start) + BlockPrefix;
+    auto* const block = new (start) Block{nullptr, m_blocks, size};
+    if (m_blocks != nullptr) {
+        m_blocks->previous = block;
+    }
+    m_blocks = block;
+    return block + 1;
 }
 
-void BoundedMemory::deallocate(void* block)
+void BoundedMemory::deallocate(void* memory)
 {
-    if (block == nullptr) {
+    if (memory == nullptr) {
         return;
     }
-    void* const start = static_cast<char*>(block) - BlockPrefix;
-    m_left += *static_cast<std::size_t*>(start);
-    ::operator delete(start);
+    Block* const block = static_cast<Block*>(memory) - 1;
+    (block->previous != nullptr ? block->previous->next : m_blocks) = block->next;
+    if (block->next != nullptr) {
+        block->next->previous = block->previous;
+    }
+    m_left += block->size;
+    ::operator delete(block);
 }
 
 xercesc::MemoryManager* BoundedMemory::getExceptionMemoryManager()

@@ -3,12 +3,13 @@
 #include "quarn/platform/win32_api.h"
 
 #include <cstddef>
+#include <new>
 #include <vector>
 
 namespace Quarn::detail {
 
-bool CopyPermissions(string const& from, string const& to)
-{
+bool CopyPermissions(string const& from, string const& to) noexcept
+try {
     constexpr SECURITY_INFORMATION AccessList = DACL_SECURITY_INFORMATION;
     constexpr SECURITY_INFORMATION GroupAndList = GROUP_SECURITY_INFORMATION | AccessList;
     constexpr SECURITY_INFORMATION Everything = OWNER_SECURITY_INFORMATION | GroupAndList;
@@ -22,6 +23,8 @@ bool CopyPermissions(string const& from, string const& to)
     return ::SetFileSecurityA(to.c_str(), Everything, buffer.data()) != FALSE ||
            ::SetFileSecurityA(to.c_str(), GroupAndList, buffer.data()) != FALSE ||
            ::SetFileSecurityA(to.c_str(), AccessList, buffer.data()) != FALSE;
+} catch (std::bad_alloc const&) {
+    return false;
 }
 
 } // namespace Quarn::detail

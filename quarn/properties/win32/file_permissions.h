@@ -6,7 +6,7 @@
 namespace Quarn::detail {
 
 // Gives the file `to` the permissions of `from`, its owner and its group too where this process may. False
-// where `from` has some that cannot be read or set. Throws std::bad_alloc.
-bool CopyPermissions(string const& from, string const& to);
+// where `from` has some that cannot be read or set.
+bool CopyPermissions(string const& from, string const& to) noexcept;
 
 } // namespace Quarn::detail

@@ -2,6 +2,8 @@
 #include "quarn/properties/win32/property_stores.h"
 #include "quarn/properties/win32/registry_seed.h"
 
+#include <new>
+
 namespace Quarn::Win32 {
 
 namespace {
@@ -27,9 +29,12 @@ bool HolvekProperties::RemoveAllXML()
 
 bool HolvekProperties::OnPopulateFromRegistry()
 {
-    PropertyKey* const common = AddSubKey(CommonKey);
-    return common != nullptr && detail::SeedFromRegistry(HKEY_LOCAL_MACHINE, R"(SOFTWARE\Tessary\Common)",
-                                                         *common, *this) == detail::SeedResult::Read;
+    try {
+        return detail::SeedFromRegistry(HKEY_LOCAL_MACHINE, R"(SOFTWARE\Tessary\Common)",
+                                        *AddSubKey(CommonKey), *this) == detail::SeedResult::Read;
+    } catch (std::bad_alloc const&) {
+        return false;
+    }
 }
 
 HolvekProperties& HolvekProps()

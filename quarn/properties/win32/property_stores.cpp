@@ -5,9 +5,11 @@
 #include "quarn/properties/win32/registry_seed.h"
 #include "quarn/properties/win32/settings_backup.h"
 #include "quarn/properties/win32/settings_document.h"
+#include "quarn/properties/win32/settings_path.h"
 
 #include <cstring>
 #include <filesystem>
+#include <new>
 
 namespace Quarn::Win32 {
 
@@ -38,11 +40,13 @@ QuarnProperties::~QuarnProperties()
 bool QuarnProperties::Populate()
 {
     Clear();
-    if (detail::SettingsFileExists(m_xmlFilePath)) {
+    if (!detail::IsMissing(m_xmlFilePath)) {
         m_populatedOK = detail::LoadSettings(m_xmlFilePath, *this, m_spoiled);
+        m_isExamined = true;
         ClearDirty();
     } else {
         m_spoiled = false;
+        m_isExamined = false;
         m_populatedOK = m_registryFallback && RegistryPopulate();
     }
     return m_populatedOK;
@@ -71,6 +75,10 @@ bool QuarnProperties::Persist(bool force)
     if (!Dirty() && !force) {
         return true;
     }
+    if (!m_isExamined) {
+        m_spoiled = detail::AreSettingsSpoiled(m_xmlFilePath);
+        m_isExamined = true;
+    }
     if (!detail::SaveSettings(m_xmlFilePath, *this, m_spoiled)) {
         return false;
     }
@@ -81,13 +89,21 @@ bool QuarnProperties::Persist(bool force)
 void QuarnProperties::Clear()
 {
     PropertyCollection::Clear();
-    m_xmlFilePath = MakeFilePath(m_fileName);
+    try {
+        m_xmlFilePath = MakeFilePath(m_fileName);
+    } catch (
+        std::bad_alloc const&) { // NOLINT(bugprone-empty-catch): the path stays, as it nearly always does
+    }
 }
 
 bool QuarnProperties::GetXMLFolder(char* folder)
 {
     char found[MAX_PATH];
-    if (folder == nullptr || !detail::FindDataFolder(found)) {
+    try {
+        if (folder == nullptr || !detail::FindDataFolder(found)) {
+            return false;
+        }
+    } catch (std::bad_alloc const&) {
         return false;
     }
     std::size_t length = std::strlen(found);

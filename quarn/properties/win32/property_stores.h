@@ -47,7 +47,8 @@ public:
     // False, without that call, for a store without a key and where the key cannot be opened for reading.
     bool RegistryPopulate();
     // Saves the whole store (see XMLPropPersist::Persist) when it is dirty or `force` is set, and makes it
-    // clean. False where that failed; the store then stays dirty and the old file is as it was.
+    // clean. False where that failed; the store then stays dirty. A store that has never been loaded looks at
+    // the file first, so that one that cannot be loaded gets its second name here too.
     bool Persist(bool force);
 
     // Empties the store, which makes it dirty, and looks the file's folder up again.
@@ -109,8 +110,10 @@ private:
     bool m_populatedOK = false;
     bool m_autoPersist = true;
     bool m_registryFallback = true;
-    // The file holds something that the last Populate did not load.
+    // The file holds something that cannot be loaded, or that the last Populate did not load; known once the
+    // file has been examined.
     bool m_spoiled = false;
+    bool m_isExamined = false;
 };
 
 // The settings of an online station, in "Holvek40.xml". They are seeded from SOFTWARE\Tessary\Holvek of the

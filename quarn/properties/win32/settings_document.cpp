@@ -1,22 +1,20 @@
 #include "quarn/properties/win32/settings_document.h"
 
-#include "quarn/platform/win32_api.h"
+#include "quarn/properties/property_collection.h"
 #include "quarn/properties/win32/file_reading.h"
+#include "quarn/properties/win32/settings_path.h"
 #include "quarn/properties/win32/settings_reader.h"
 #include "quarn/properties/win32/settings_replace.h"
 #include "quarn/properties/win32/settings_writer.h"
 #include "quarn/properties/win32/xml_library.h"
 
-namespace Quarn::detail {
+#include <new>
 
-bool SettingsFileExists(string const& path) noexcept
-{
-    return ::GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
-}
+namespace Quarn::detail {
 
 bool LoadSettings(string const& path, PropertyCollection& collection, bool& spoiled) noexcept
 {
-    spoiled = SettingsFileExists(path);
+    spoiled = !IsMissing(path);
     if (!spoiled) {
         return false;
     }
@@ -32,6 +30,17 @@ bool LoadSettings(string const& path, PropertyCollection& collection, bool& spoi
     } catch (...) {
         return false;
     }
+}
+
+bool AreSettingsSpoiled(string const& path) noexcept
+{
+    bool spoiled = true;
+    try {
+        PropertyCollection collection;
+        LoadSettings(path, collection, spoiled);
+    } catch (std::bad_alloc const&) { // NOLINT(bugprone-empty-catch): nobody can tell, so it is kept
+    }
+    return spoiled;
 }
 
 bool SaveSettings(string const& path, PropertyCollection const& collection, bool& spoiled) noexcept

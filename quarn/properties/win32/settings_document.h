@@ -9,13 +9,13 @@ class PropertyCollection;
 
 namespace detail {
 
-// There is something under this path, readable or not.
-bool SettingsFileExists(string const& path) noexcept;
-
 // Adds the file's tree to the collection; false where there is none to add, see ReadSettings. `spoiled` tells
 // whether the file holds anything that the collection does not: such a file must not be replaced without a
 // second name. Never throws; without memory the result is false.
 bool LoadSettings(string const& path, PropertyCollection& collection, bool& spoiled) noexcept;
+
+// Whether there is a file that LoadSettings would call spoiled. Never throws.
+bool AreSettingsSpoiled(string const& path) noexcept;
 
 // Makes the collection the content of the file; false where it could not be saved, and the old file is whole
 // then. `spoiled` as the last loading has set it; cleared when the old file has its second name, or is no

@@ -66,9 +66,9 @@ bool FullPath(string const& path, string& full)
     return TakePath(ask, full) && hasName;
 }
 
-// The file that a symbolic link to a missing file stands for, empty where links lead in a circle; any other
-// path as it is. On Windows there is nothing to do: a link has attributes of its own and does not pass for a
-// missing file.
+// The file that a symbolic link to a missing file stands for, empty where links lead in a circle or cannot be
+// read; any other path as it is. On Windows there is nothing to do: a link has attributes of its own and does
+// not pass for a missing file.
 string LinkTarget(string path)
 {
     constexpr int MaxLinks = 40;
@@ -77,8 +77,12 @@ string LinkTarget(string path)
             std::error_code error;
             std::filesystem::path const link(std::string_view{path});
             std::filesystem::path const target = std::filesystem::read_symlink(link, error);
-            if (error) {
+            if (error == std::errc::invalid_argument || error == std::errc::no_such_file_or_directory ||
+                error == std::errc::function_not_supported) {
                 return path;
+            }
+            if (error) {
+                return {};
             }
             path = (link.parent_path() / target).string();
         }
@@ -107,6 +111,16 @@ unsigned int NameHash(SettingsPath const& path)
 
 } // namespace
 
+bool IsMissing(string const& path) noexcept
+{
+    if (::GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES) {
+        return false;
+    }
+    DWORD const error = ::GetLastError();
+    return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND || error == ERROR_INVALID_NAME ||
+           error == ERROR_FILENAME_EXCED_RANGE;
+}
+
 SettingsPath DivideSettingsPath(string const& path)
 {
     PathParts const parts = SplitPath(path);
@@ -125,7 +139,7 @@ bool ResolveSettingsPath(string const& path, SettingsPath& resolved)
             return true;
         }
     }
-    if (::GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES || !FullPath(LinkTarget(path), full)) {
+    if (!IsMissing(path) || !FullPath(LinkTarget(path), full)) {
         return false;
     }
     resolved = DivideSettingsPath(full);

@@ -16,6 +16,9 @@ struct SettingsPath
     string Whole() const { return folder + base + extension; }
 };
 
+// There is nothing under the path. What cannot be told, as on a broken disk, is taken for a file.
+bool IsMissing(string const& path) noexcept;
+
 // The path as it stands, divided. Throws std::bad_alloc.
 SettingsPath DivideSettingsPath(string const& path);
 

@@ -27,11 +27,11 @@ bool CopyFlushed(string const& from, string const& to)
     return false;
 }
 
-bool GiveSecondName(SettingsPath const& path)
+bool GiveSecondName(SettingsPath const& path, string& name)
 {
     string const whole = path.Whole();
     for (std::uint32_t stamp = BackupStamp();; ++stamp) {
-        string const name = BackupName(path.folder, path, stamp);
+        name = BackupName(path.folder, path, stamp);
         if (::GetFileAttributesA(name.c_str()) != INVALID_FILE_ATTRIBUTES) {
             continue;
         }
@@ -59,9 +59,8 @@ bool ReplaceSettingsFile(string const& path, std::string_view content, bool& kee
     }
     SaveLock const lock(resolved);
     string const whole = resolved.Whole();
-    DWORD const attributes = ::GetFileAttributesA(whole.c_str());
-    bool const exists = attributes != INVALID_FILE_ATTRIBUTES;
-    if (exists && (attributes & Untouchable) != 0) {
+    bool const exists = !IsMissing(whole);
+    if (exists && (::GetFileAttributesA(whole.c_str()) & Untouchable) != 0) {
         return false;
     }
     if (lock.IsOwned()) {
@@ -75,13 +74,21 @@ bool ReplaceSettingsFile(string const& path, std::string_view content, bool& kee
         !temporary.Write(content)) {
         return false;
     }
+    string secondName;
     if (keepOld && exists) {
-        if (!GiveSecondName(resolved)) {
+        if (!GiveSecondName(resolved, secondName)) {
             return false;
         }
         keepOld = false;
     }
-    return temporary.MoveOver(whole);
+    if (temporary.MoveOver(whole)) {
+        return true;
+    }
+    // The name may lead to the same file, which a later save in place would change.
+    if (!secondName.empty() && temporary.IsThere()) {
+        keepOld = ::DeleteFileA(secondName.c_str()) != FALSE;
+    }
+    return false;
 }
 
 } // namespace Quarn::detail

@@ -13,8 +13,9 @@ namespace Quarn::detail {
 // overwritten, after the old content has been copied to the user's own data folder.
 //
 // `keepOld` asks for a second name for the old file, after the pattern of backups, before it is replaced; it
-// is cleared once that name is there. False where the file could not be saved: it is then as it was. Saves of
-// one file wait for each other, between processes too, for some seconds at most. Throws std::bad_alloc.
+// is cleared once that name is there. False where the file could not be saved: it is then as it was, or holds
+// the new content and only its folder could not be flushed. Saves of one file wait for each other, between
+// processes too, for 5 s at most. Throws std::bad_alloc.
 bool ReplaceSettingsFile(string const& path, std::string_view content, bool& keepOld);
 
 } // namespace Quarn::detail

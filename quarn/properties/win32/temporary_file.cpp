@@ -54,7 +54,18 @@ bool TemporaryFile::MoveOver(string const& name)
 
 bool TemporaryFile::MoveTo(string const& name)
 {
-    return Move(name, MOVEFILE_WRITE_THROUGH);
+    if (Move(name, MOVEFILE_WRITE_THROUGH)) {
+        return true;
+    }
+    if (IsMissing(m_name)) {
+        Remove(name);
+    }
+    return false;
+}
+
+bool TemporaryFile::IsThere() const
+{
+    return ::GetFileAttributesA(m_name.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
 bool TemporaryFile::Move(string const& name, DWORD flags)

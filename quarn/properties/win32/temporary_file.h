@@ -29,9 +29,12 @@ public:
     bool MakeReadOnly();
 
     // Moves the file, durably, over another one, or to a name that is free. Another program may hold one of
-    // them for a moment: that is waited for, 2 s at most.
+    // them for a moment: that is waited for, 2 s at most. A file that has moved, but perhaps not durably, is
+    // a failure: the other file is gone then, the free name free again.
     bool MoveOver(string const& name);
     bool MoveTo(string const& name);
+    // The file still has its temporary name.
+    bool IsThere() const;
 
 private:
     HANDLE Create(SettingsPath const& path);

@@ -1,5 +1,6 @@
 #include "quarn/properties/win32/xml_persist.h"
 
+#include "quarn/platform/win32_api.h"
 #include "quarn/properties/property_collection.h"
 #include "quarn/properties/win32/settings_document.h"
 #include "quarn/properties/win32/xml_library.h"
@@ -33,7 +34,7 @@ XMLPropPersist::~XMLPropPersist()
 
 bool XMLPropPersist::Exists() const
 {
-    return detail::SettingsFileExists(m_path);
+    return ::GetFileAttributesA(m_path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
 bool XMLPropPersist::Persist(PropertyCollection const* collection) const

@@ -43,10 +43,14 @@ public:
     // gets a second name beside it, made as those of backups: "_" and the time in hexadecimal before the
     // extension.
     //
+    // Saves of one file, in this process and in others, take turns. A saver that is held up for 5 s goes on
+    // without its turn: the file is still replaced as a whole, and the last one stays.
+    //
     // False, and the old file is as it was, when the file cannot be written, or cannot carry the collection:
     // control characters other than tab and line ends, bytes that are no text in the process code page, a
     // document description that is no element name (or has a colon), more than 1,000 levels of keys, a name
-    // of more than 16 MiB, a document of more than 256 MiB; also for null.
+    // of more than 16 MiB, a document of more than 256 MiB; also for null. False, with the new file in place,
+    // where only its folder could not be flushed to the device.
     bool Persist(PropertyCollection const* collection) const;
 
     // Adds what the file holds to the collection: keys of one name are merged, values of one name

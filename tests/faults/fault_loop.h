@@ -1,0 +1,78 @@
+// Runs an operation again and again, with its first call failing, then its second, and so on until it is
+// through.
+#pragma once
+
+#include "tests/faults/fault_plan.h"
+
+#include <cerrno>
+#include <sstream>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace Faults {
+
+#if defined(_WIN32)
+// ERROR_ACCESS_DENIED, ERROR_DISK_FULL, ERROR_IO_DEVICE: another program's hold, no space, a broken disk
+inline constexpr int FileErrors[] = {5, 112, 1117};
+#else
+inline constexpr int FileErrors[] = {EACCES, ENOSPC, EIO};
+#endif
+
+inline std::vector<Plan> Plans()
+{
+    std::vector<Plan> plans = {{Kind::Memory, Span::One, 1, ENOMEM}, {Kind::Memory, Span::Rest, 1, ENOMEM}};
+    for (int const error : FileErrors) {
+        plans.push_back({Kind::Files, Span::One, 1, error});
+        plans.push_back({Kind::Files, Span::Rest, 1, error});
+    }
+    return plans;
+}
+
+// How many faults have fallen, for whoever wants to say so.
+struct Figures
+{
+    int faults = 0;
+    int refusals = 0; // results other than success
+};
+
+// For every plan and n: prepare(), then operation() with the fault, then check(its result, the function that
+// failed; null where none did).
+template<typename Prepare, typename Operation, typename Check>
+Figures ForEveryFault(std::vector<Plan> const& plans, Prepare prepare, Operation operation, Check check)
+{
+    constexpr int Most = 100'000;
+    Figures figures;
+    for (Plan plan : plans) {
+        for (char const* struck = ""; struck != nullptr; ++plan.number) {
+            prepare();
+            bool result = false;
+            bool isThrown = false;
+            {
+                Armed const armed(plan);
+                try {
+                    result = operation();
+                } catch (...) {
+                    isThrown = true;
+                }
+                struck = armed.Struck();
+            }
+            std::ostringstream trace;
+            trace << "call " << plan.number << " (" << (struck != nullptr ? struck : "none") << ") of the "
+                  << (plan.kind == Kind::Memory ? "allocations" : "system's") << " fails"
+                  << (plan.span == Span::Rest ? " with all later ones" : "") << ", error " << plan.error;
+            SCOPED_TRACE(trace.str());
+            EXPECT_FALSE(isThrown);
+            check(result, struck);
+            figures.faults += struck != nullptr ? 1 : 0;
+            figures.refusals += result ? 0 : 1;
+            if (::testing::Test::HasFailure() || plan.number == Most) {
+                EXPECT_LT(plan.number, Most) << "faults without end";
+                return figures;
+            }
+        }
+    }
+    return figures;
+}
+
+} // namespace Faults

@@ -1,0 +1,107 @@
+#include "tests/faults/fault_plan.h"
+
+#include <cstring>
+
+namespace Faults {
+
+namespace {
+
+struct State
+{
+    bool armed = false;
+    Plan plan{};
+    int calls = 0;
+    char const* struck = nullptr;
+    bool deniesTemporaries = false;
+    char const* unsupported = "";
+    std::uint64_t waited = 0;
+    std::ptrdiff_t blocks = 0;
+};
+
+constinit State g_state;
+thread_local constinit bool t_isArmed = false;
+
+} // namespace
+
+Armed::Armed(Plan const& plan)
+{
+    g_state.plan = plan;
+    g_state.calls = 0;
+    g_state.struck = nullptr;
+    t_isArmed = true;
+}
+
+Armed::~Armed()
+{
+    t_isArmed = false;
+}
+
+char const* Armed::Struck() const // NOLINT(readability-convert-member-functions-to-static)
+{
+    return g_state.struck;
+}
+
+bool Strikes(Kind kind, char const* function)
+{
+    if (!t_isArmed || kind != g_state.plan.kind) {
+        return false;
+    }
+    if (++g_state.calls == g_state.plan.number) {
+        g_state.struck = function;
+        return true;
+    }
+    return g_state.plan.span == Span::Rest && g_state.struck != nullptr &&
+           std::strcmp(function, g_state.struck) == 0;
+}
+
+int Error()
+{
+    return g_state.plan.error;
+}
+
+void DenyTemporaries(bool deny)
+{
+    g_state.deniesTemporaries = deny;
+}
+
+bool TemporariesAreDenied()
+{
+    return g_state.deniesTemporaries;
+}
+
+void LeaveUnsupported(char const* function)
+{
+    g_state.unsupported = function != nullptr ? function : "";
+}
+
+bool IsUnsupported(char const* function)
+{
+    return t_isArmed && std::strcmp(function, g_state.unsupported) == 0;
+}
+
+bool IsArmed()
+{
+    return t_isArmed;
+}
+
+void Wait(std::uint64_t nanoseconds)
+{
+    g_state.waited += nanoseconds;
+}
+
+std::uint64_t Waited()
+{
+    return g_state.waited;
+}
+
+std::ptrdiff_t LiveBlocks()
+{
+    return g_state.blocks;
+}
+
+void CountBlocks(std::ptrdiff_t change)
+{
+    g_state.blocks += change;
+}
+
+} // namespace Faults

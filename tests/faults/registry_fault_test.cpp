@@ -1,0 +1,141 @@
+// The registry, and stores that are seeded from it, with every single call of the platform failing.
+#include "quarn/properties/win32/property_stores.h"
+
+#include "tests/faults/registry_faults.h"
+#include "tests/faults/resources.h"
+#include "tests/platform/scratch_folder.h"
+#include "tests/properties/private_folders.h"
+#include "tests/registry/throw_away_key.h"
+
+#include <algorithm>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Quarn::Win32::QuarnProperties;
+
+constexpr char Root[] = "Software\\QuarnUtilFaults";
+constexpr char Path[] = "Software\\QuarnUtilFaults\\first\\second";
+
+constexpr int Values = 3;
+char const* const Names[Values] = {"one", "two", "three"};
+
+// Makes a key with three values, of which the last is set anew and the first is deleted.
+struct Writing
+{
+    long create = -1;
+    long set[Values] = {-1, -1, -1};
+    long again = -1;
+    long remove = -1;
+
+    bool Run()
+    {
+        HKEY key = nullptr;
+        create = CreateKey(HKEY_CURRENT_USER, Path, key);
+        if (create != 0) {
+            return false;
+        }
+        for (int i = 0; i < Values; ++i) {
+            set[i] = SetBytes(key, Names[i], REG_BINARY, "data");
+        }
+        again = SetBytes(key, Names[2], REG_BINARY, "other data");
+        remove = ::RegDeleteValueA(key, Names[0]);
+        bool const isClosed = ::RegCloseKey(key) == 0;
+        return isClosed && set[0] == 0 && set[1] == 0 && set[2] == 0 && again == 0 && remove == 0;
+    }
+};
+
+class RegistryFaults : public PrivateFolders
+{
+protected:
+    ~RegistryFaults() override { RemoveTree(HKEY_CURRENT_USER, Root); }
+};
+
+TEST_F(RegistryFaults, WhatWasAnsweredWithSuccessIsThereAndTheRestIsWhole)
+{
+    Writing writing;
+    Resources resources;
+    auto const figures = Faults::ForEveryFault(
+        RegistryPlans(),
+        [&] {
+            RemoveTree(HKEY_CURRENT_USER, Root);
+            writing = {};
+            CloseRegistryFiles();
+        },
+        [&] { return writing.Run(); },
+        [&](bool isWritten, char const* struck) {
+            EXPECT_TRUE(isWritten || struck != nullptr);
+            // What this process believes, and what is in the file.
+            for (bool const isAnew : {false, true}) {
+                if (isAnew) {
+                    CloseRegistryFiles();
+                }
+                HKEY key = nullptr;
+                if (OpenKey(HKEY_CURRENT_USER, Path, key) != 0) {
+                    EXPECT_NE(writing.create, 0);
+                    continue;
+                }
+                std::vector<std::string> const names = ValueNames(key);
+                for (int i = 0; i < Values; ++i) {
+                    bool const isListed = std::count(names.begin(), names.end(), Names[i]) == 1;
+                    bool const isRemoved = i == 0 && writing.remove == 0;
+                    std::string const data = DataOf(key, Names[i]);
+                    EXPECT_EQ(isListed, !data.empty()) << Names[i];
+                    EXPECT_TRUE(isListed || isRemoved || writing.set[i] != 0) << Names[i];
+                    EXPECT_FALSE(isListed && isRemoved) << Names[i];
+                    EXPECT_TRUE(data.empty() || data == "data" || (i == 2 && data == "other data")) << data;
+                    EXPECT_TRUE(i != 2 || writing.again != 0 || data == "other data") << data;
+                }
+                ::RegCloseKey(key);
+            }
+            Writing next;
+            EXPECT_TRUE(next.Run()) << next.create << " " << next.set[0] << " " << next.again << " "
+                                    << next.remove;
+            CloseRegistryFiles();
+            resources.ExpectSame();
+        });
+    EXPECT_GT(figures.refusals, 100);
+    RecordFigures(figures);
+}
+
+TEST_F(RegistryFaults, ASeedingIsWholeOrReportedAndCanBeRepeated)
+{
+    Writing writing;
+    ASSERT_TRUE(writing.Run());
+    HKEY key = nullptr;
+    ASSERT_EQ(OpenKey(HKEY_CURRENT_USER, Root, key), 0);
+    ASSERT_EQ(SetText(key, "text", "from the registry"), 0);
+    ::RegCloseKey(key);
+
+    std::unique_ptr<QuarnProperties> store;
+    auto const isWhole = [&store] {
+        return store->GetValueString("text", "") == "from the registry" &&
+               store->GetValueString("first/second:two", "") == "64617461" &&
+               store->GetValueString("first/second:three", "") == "6f746865722064617461";
+    };
+    std::string const path = (std::filesystem::path(DataFolder()) / m_file).string();
+    Resources resources(path);
+    auto const figures = Faults::ForEveryFault(
+        RegistryPlans(),
+        [&] {
+            CloseRegistryFiles();
+            store = std::make_unique<QuarnProperties>(m_file, "Store", HKEY_CURRENT_USER, Root);
+            store->SetAutoPersist(false);
+        },
+        [&] { return store->Populate(); },
+        [&](bool isSeeded, char const* struck) {
+            EXPECT_TRUE(isSeeded || struck != nullptr);
+            EXPECT_EQ(store->GetXMLFilePath(), path);
+            EXPECT_TRUE(PrivateFolders::Names().empty());
+            EXPECT_TRUE(store->Populate());
+            EXPECT_TRUE(isWhole());
+            store.reset();
+            CloseRegistryFiles();
+            resources.ExpectSame();
+        });
+    EXPECT_GT(figures.refusals, 100);
+    RecordFigures(figures);
+}
+
+} // namespace

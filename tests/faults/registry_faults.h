@@ -1,0 +1,10 @@
+// What the registry's faults need of the system.
+#pragma once
+
+#include "tests/faults/fault_loop.h"
+
+// The faults that fall between this program and the registry's files.
+std::vector<Faults::Plan> RegistryPlans();
+
+// The next use of the registry opens its files again.
+void CloseRegistryFiles();
