@@ -68,8 +68,9 @@ QUARN_API unsigned int GetOutputOptions();
 //   first of these folders that the system has: common documents, common application data, application data,
 //   local application data, personal. -6 where none is found or the path does not fit in 260 characters; the
 //   error is not set, so that the next output tries again.
-// - Where the file is not open, it is opened. On Windows another program may keep the file for itself, which
-//   gives -2; elsewhere nothing is kept so.
+// - Where the file is not open, it is opened; programs that this one starts do not inherit it. On Windows
+//   another program may keep the file for itself, which gives -2; elsewhere nothing is kept so, but a pipe
+//   that nobody reads gives -2.
 // - The date, the time, and behind either "| ".
 // - The text, by the printf formatting rules but without arguments: "%%" gives a percent sign, a conversion
 //   what a zero or an empty text would give ("%5d" four blanks and a 0, "%s" nothing, "%c" a zero byte, "%p"

@@ -19,7 +19,7 @@ constexpr char Root[] = "Software\\QuarnUtilFaults";
 constexpr char Path[] = "Software\\QuarnUtilFaults\\first\\second";
 
 constexpr int Values = 3;
-char const* const Names[Values] = {"one", "two", "three"};
+char const* const KeyValues[Values] = {"one", "two", "three"};
 
 // Makes a key with three values, of which the last is set anew and the first is deleted.
 struct Writing
@@ -37,10 +37,10 @@ struct Writing
             return false;
         }
         for (int i = 0; i < Values; ++i) {
-            set[i] = SetBytes(key, Names[i], REG_BINARY, "data");
+            set[i] = SetBytes(key, KeyValues[i], REG_BINARY, "data");
         }
-        again = SetBytes(key, Names[2], REG_BINARY, "other data");
-        remove = ::RegDeleteValueA(key, Names[0]);
+        again = SetBytes(key, KeyValues[2], REG_BINARY, "other data");
+        remove = ::RegDeleteValueA(key, KeyValues[0]);
         bool const isClosed = ::RegCloseKey(key) == 0;
         return isClosed && set[0] == 0 && set[1] == 0 && set[2] == 0 && again == 0 && remove == 0;
     }
@@ -49,6 +49,21 @@ struct Writing
 class RegistryFaults : public PrivateFolders
 {
 protected:
+    // Once without faults, so that what is kept from the first use on is there.
+    void SetUp() override
+    {
+        PrivateFolders::SetUp();
+        QuarnProperties store(m_file, "Store");
+        ASSERT_TRUE(store.Persist(true));
+        ASSERT_TRUE(store.Populate());
+        ASSERT_TRUE(store.RemoveXML());
+        store.SetAutoPersist(false);
+        ASSERT_TRUE(Writing().Run());
+        HKEY key = nullptr;
+        ASSERT_EQ(OpenKey(HKEY_CURRENT_USER, Path, key), 0);
+        EXPECT_EQ(ValueNames(key).size(), 2U);
+        ::RegCloseKey(key);
+    }
     ~RegistryFaults() override { RemoveTree(HKEY_CURRENT_USER, Root); }
 };
 
@@ -59,9 +74,9 @@ TEST_F(RegistryFaults, WhatWasAnsweredWithSuccessIsThereAndTheRestIsWhole)
     auto const figures = Faults::ForEveryFault(
         RegistryPlans(),
         [&] {
+            ASSERT_TRUE(Writing().Run()); // whatever has to be opened is open
             RemoveTree(HKEY_CURRENT_USER, Root);
             writing = {};
-            CloseRegistryFiles();
         },
         [&] { return writing.Run(); },
         [&](bool isWritten, char const* struck) {
@@ -78,12 +93,14 @@ TEST_F(RegistryFaults, WhatWasAnsweredWithSuccessIsThereAndTheRestIsWhole)
                 }
                 std::vector<std::string> const names = ValueNames(key);
                 for (int i = 0; i < Values; ++i) {
-                    bool const isListed = std::count(names.begin(), names.end(), Names[i]) == 1;
+                    bool const isListed = std::count(names.begin(), names.end(), KeyValues[i]) == 1;
                     bool const isRemoved = i == 0 && writing.remove == 0;
-                    std::string const data = DataOf(key, Names[i]);
-                    EXPECT_EQ(isListed, !data.empty()) << Names[i];
-                    EXPECT_TRUE(isListed || isRemoved || writing.set[i] != 0) << Names[i];
-                    EXPECT_FALSE(isListed && isRemoved) << Names[i];
+                    std::string const data = isListed ? DataOf(key, KeyValues[i]) : "";
+                    EXPECT_EQ(isListed,
+                              ::RegQueryValueExA(key, KeyValues[i], nullptr, nullptr, nullptr, nullptr) == 0)
+                        << KeyValues[i];
+                    EXPECT_TRUE(isListed || isRemoved || writing.set[i] != 0) << KeyValues[i];
+                    EXPECT_FALSE(isListed && isRemoved) << KeyValues[i];
                     EXPECT_TRUE(data.empty() || data == "data" || (i == 2 && data == "other data")) << data;
                     EXPECT_TRUE(i != 2 || writing.again != 0 || data == "other data") << data;
                 }
@@ -93,6 +110,29 @@ TEST_F(RegistryFaults, WhatWasAnsweredWithSuccessIsThereAndTheRestIsWhole)
             EXPECT_TRUE(next.Run()) << next.create << " " << next.set[0] << " " << next.again << " "
                                     << next.remove;
             CloseRegistryFiles();
+            resources.ExpectSame();
+        });
+    EXPECT_GT(figures.refusals, 100);
+    RecordFigures(figures);
+}
+
+TEST_F(RegistryFaults, FilesThatCannotBeOpenedAreAnErrorAndCanBeOpenedLater)
+{
+    auto const write = [] {
+        HKEY key = nullptr;
+        if (CreateKey(HKEY_CURRENT_USER, Path, key) != 0) {
+            return false;
+        }
+        bool const isSet = SetBytes(key, "one", REG_BINARY, "data") == 0;
+        return ::RegCloseKey(key) == 0 && isSet;
+    };
+    Resources resources;
+    std::vector<Faults::Plan> plans = RegistryPlans();
+    std::erase_if(plans, [](Faults::Plan const& plan) { return plan.span == Faults::Span::Rest; });
+    auto const figures =
+        Faults::ForEveryFault(plans, CloseRegistryFiles, write, [&](bool isWritten, char const* struck) {
+            EXPECT_TRUE(isWritten || struck != nullptr);
+            EXPECT_TRUE(write());
             resources.ExpectSame();
         });
     EXPECT_GT(figures.refusals, 100);
@@ -119,7 +159,6 @@ TEST_F(RegistryFaults, ASeedingIsWholeOrReportedAndCanBeRepeated)
     auto const figures = Faults::ForEveryFault(
         RegistryPlans(),
         [&] {
-            CloseRegistryFiles();
             store = std::make_unique<QuarnProperties>(m_file, "Store", HKEY_CURRENT_USER, Root);
             store->SetAutoPersist(false);
         },
@@ -131,7 +170,6 @@ TEST_F(RegistryFaults, ASeedingIsWholeOrReportedAndCanBeRepeated)
             EXPECT_TRUE(store->Populate());
             EXPECT_TRUE(isWhole());
             store.reset();
-            CloseRegistryFiles();
             resources.ExpectSame();
         });
     EXPECT_GT(figures.refusals, 100);

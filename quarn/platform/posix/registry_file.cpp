@@ -145,12 +145,14 @@ void CreateFile(std::string const& path, RegistryJournal journal)
 } // namespace
 
 RegistryQuery::RegistryQuery(RegistryQuery&& other) noexcept
-    : m_statement(std::exchange(other.m_statement, nullptr)),
+    : m_file(other.m_file),
+      m_statement(std::exchange(other.m_statement, nullptr)),
       m_parameters(other.m_parameters)
 {}
 
 RegistryQuery& RegistryQuery::operator=(RegistryQuery&& other) noexcept
 {
+    std::swap(m_file, other.m_file);
     std::swap(m_statement, other.m_statement);
     std::swap(m_parameters, other.m_parameters);
     return *this;
@@ -192,6 +194,7 @@ bool RegistryQuery::Step()
 {
     int const result = ::sqlite3_step(m_statement);
     if (result != SQLITE_ROW && result != SQLITE_DONE) {
+        m_file->m_isStuck |= (result & 0xFF) == SQLITE_READONLY;
         Throw(::sqlite3_db_handle(m_statement), result);
     }
     return result == SQLITE_ROW;
@@ -369,7 +372,7 @@ void RegistryFile::Visit(char const* sql, Row visit)
         Throw(m_database, result);
     }
     std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> const owner(statement, &::sqlite3_finalize);
-    RegistryQuery query(statement);
+    RegistryQuery query(*this, statement);
     while (query.Step()) {
         visit(query);
     }
@@ -387,7 +390,7 @@ RegistryQuery RegistryFile::Query(RegistryStatement statement)
             Throw(m_database, result);
         }
     }
-    return RegistryQuery(prepared);
+    return {*this, prepared};
 }
 
 bool RegistryFile::IsWritable() const
@@ -428,7 +431,7 @@ RegistryTransaction::~RegistryTransaction()
             m_file.Run(RegistryStatement::Rollback);
         } catch (RegistryFailure const&) {
             // An error may have done it already; otherwise only closing the file ends the transaction.
-            m_file.m_isStuck = ::sqlite3_get_autocommit(m_file.m_database) == 0;
+            m_file.m_isStuck |= ::sqlite3_get_autocommit(m_file.m_database) == 0;
         }
     }
 }

@@ -46,12 +46,14 @@ enum class RegistryStatement
     Count
 };
 
+class RegistryFile;
+
 // One use of a statement. What it gives out is valid until its next step or its end. Everything throws
 // RegistryFailure.
 class RegistryQuery
 {
 public:
-    explicit RegistryQuery(sqlite3_stmt* statement) : m_statement(statement) {}
+    RegistryQuery(RegistryFile& file, sqlite3_stmt* statement) : m_file(&file), m_statement(statement) {}
     RegistryQuery(RegistryQuery const&) = delete;
     RegistryQuery& operator=(RegistryQuery const&) = delete;
     RegistryQuery(RegistryQuery&& other) noexcept;
@@ -69,6 +71,7 @@ public:
     std::string_view BytesAt(int column) const;
 
 private:
+    RegistryFile* m_file;
     sqlite3_stmt* m_statement;
     int m_parameters = 0;
 };
@@ -92,13 +95,15 @@ public:
     void ForgetLastRow();
     std::int64_t LastRow() const;
 
-    // In a transaction that could not be undone: the file has to be opened anew.
+    // In a transaction that could not be undone, or opened for reading alone where there was hope of more:
+    // the file has to be opened anew.
     bool IsStuck() const { return m_isStuck; }
 
     // Makes the end quick: the next process to open the file has the rest of the work.
     void CloseInHaste();
 
 private:
+    friend class RegistryQuery;
     friend class RegistryTransaction;
     RegistryFile() = default;
 

@@ -111,7 +111,8 @@ void RegistryStore::FindPath()
 
 RegistryFile* RegistryStore::File(bool create)
 {
-    if (m_file && m_file->IsStuck()) {
+    // A file that could not be written may be writable by now.
+    if (m_file && (m_file->IsStuck() || (create && !m_file->IsWritable()))) {
         m_file.reset();
     }
     if (!m_file) {

@@ -62,7 +62,7 @@ private:
 };
 
 // By itself the XML library ends the process where it cannot start.
-class Refusal final : public xercesc::PanicHandler
+class StartRefusal final : public xercesc::PanicHandler
 {
 public:
     void panic(PanicReasons reason) override { throw reason; }
@@ -87,7 +87,7 @@ bool StartXmlLibrary() noexcept
         static bool isTried = false;
         if (!isTried) {
             auto memory = std::make_unique<LibraryMemory>();
-            auto refusal = std::make_unique<Refusal>();
+            auto refusal = std::make_unique<StartRefusal>();
             isTried = true; // a start that has failed cannot be tried again
             LibraryMemory& kept = *memory.release();
             xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr,

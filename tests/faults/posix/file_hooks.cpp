@@ -39,6 +39,13 @@ bool IsDeniedTemporary(char const* path, int flags)
     return true;
 }
 
+// Giving a lock back does not fail.
+bool GivesBack(int command, void const* argument)
+{
+    bool const isLock = command == F_SETLK || command == F_OFD_SETLK;
+    return isLock && static_cast<struct ::flock const*>(argument)->l_type == F_UNLCK;
+}
+
 } // namespace
 
 // NOLINTBEGIN(cppcoreguidelines-macro-usage,bugprone-reserved-identifier): one line for each function. Names
@@ -188,7 +195,7 @@ QUARN_OPEN_HOOK(open64)
         va_start(arguments, command);                                                                        \
         void* const argument = va_arg(arguments, void*);                                                     \
         va_end(arguments);                                                                                   \
-        return Strikes(#name) ? -1 : real(file, command, argument);                                          \
+        return !GivesBack(command, argument) && Strikes(#name) ? -1 : real(file, command, argument);         \
     }
 
 QUARN_CONTROL_HOOK(fcntl)

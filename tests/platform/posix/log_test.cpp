@@ -11,7 +11,9 @@
 #include <iterator>
 #include <string>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace Log = Win32Quarn::Log;
@@ -100,6 +102,44 @@ TEST_F(PosixLog, FailuresKeepNoFileOpen)
     EXPECT_EQ(OpenFiles(), before + 1);
     EXPECT_EQ(Log::Close(), -1);
     EXPECT_EQ(OpenFiles(), before);
+}
+
+TEST_F(PosixLog, IsNotForTheProgramsThatThisOneStarts)
+{
+    ScratchFolder const folder;
+    std::string const path = folder / "a.log";
+    ASSERT_EQ(Log::SetPath(path.c_str()), 0);
+    for (int const options : {8, 0}) { // truncating and appending
+        ASSERT_EQ(Log::Output(0, options, "x"), 0);
+        int found = 0;
+        for (auto const& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+            std::error_code ignored;
+            if (std::filesystem::equivalent(entry.path(), path, ignored)) {
+                ++found;
+                EXPECT_NE(::fcntl(std::stoi(entry.path().filename()), F_GETFD) & FD_CLOEXEC, 0);
+            }
+        }
+        EXPECT_EQ(found, 1);
+        EXPECT_EQ(Log::Close(), 0);
+    }
+}
+
+TEST_F(PosixLog, APipeWithoutAReaderIsAnErrorAndNoWait)
+{
+    ScratchFolder const folder;
+    std::string const path = folder / "pipe";
+    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    ASSERT_EQ(Log::SetPath(path.c_str()), 0);
+    EXPECT_EQ(Log::Output(0, "x"), -2);
+    EXPECT_EQ(Log::GetErrorInformation(), static_cast<unsigned long>(ENXIO));
+    Log::ClearError();
+    int const reader = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    ASSERT_GE(reader, 0);
+    EXPECT_EQ(Log::Output(0, "x"), 0);
+    char text[8] = "";
+    EXPECT_EQ(::read(reader, text, sizeof text), 2);
+    EXPECT_STREQ(text, "x\n");
+    ::close(reader);
 }
 
 // A variable with another value until the end of the test.
