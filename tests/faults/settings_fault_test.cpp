@@ -275,9 +275,14 @@ TEST_F(SettingsFaults, RestoringLosesNeitherTheFileNorTheBackup)
 {
     std::unique_ptr<QuarnProperties> store;
     Quarn::string const backup = m_path.substr(0, m_path.size() - 4) + "_1.xml";
+    // Loading without any memory is another test's, and this one has the most calls.
+    std::vector<Faults::Plan> plans = Faults::Plans();
+    std::erase_if(plans, [](Faults::Plan const& plan) {
+        return plan.kind == Faults::Kind::Memory && plan.span == Faults::Span::Rest;
+    });
     Resources resources(m_path);
     auto const figures = Faults::ForEveryFault(
-        Faults::Plans(),
+        plans,
         [&] {
             Reset();
             WriteContent(backup, m_new);
