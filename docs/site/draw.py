@@ -30,7 +30,8 @@ CELL, ROW, PER_ROW, MARGIN = 40, 30, 8, 12
 
 def svg(width, height, title, body):
     return "\n".join([
-        f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {width} {height}" width="{width}" height="{height}" role="img">',
+        f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {width} {height}" width="{width}" height="{height}" '
+        'role="img">',
         f"<title>{html.escape(title)}</title>", STYLE, *body, "</svg>", ""])
 
 
@@ -93,20 +94,23 @@ def golden(name, begin=0, end=None):
 
 def example(document, label):
     """The bytes behind a label in an indented example of a document."""
-    found = re.search(rf"^    {re.escape(label)} {{2,}}((?:[0-9A-F]{{2}} ?)+)$", (ROOT / document).read_text(encoding="utf-8"), re.MULTILINE)
+    text_of = (ROOT / document).read_text(encoding="utf-8")
+    found = re.search(rf"^    {re.escape(label)} {{2,}}((?:[0-9A-F]{{2}} ?)+)$", text_of, re.MULTILINE)
     return bytes.fromhex(found[1])
 
 
 def first_record():
     """The record of the first program; the package test compares it with the program's."""
-    lines = re.findall(r"^    ((?:[0-9A-F]{2} )+) {2,}", (ROOT / "docs/first-program.md").read_text(encoding="utf-8"), re.MULTILINE)
+    text_of = (ROOT / "docs/first-program.md").read_text(encoding="utf-8")
+    lines = re.findall(r"^    ((?:[0-9A-F]{2} )+) {2,}", text_of, re.MULTILINE)
     return bytes.fromhex("".join(lines))
 
 
 def rooms():
     """{room: the rooms that it may include}, by the check's own rules."""
-    lines = subprocess.run([ROOT / "scripts/check-architecture", "--rooms"], text=True, capture_output=True, check=True).stdout
-    return {line.split()[0]: set(line.split()[1:]) for line in lines.splitlines()}
+    printed = subprocess.run([ROOT / "scripts/check-architecture", "--rooms"], text=True, capture_output=True,
+                             check=True).stdout
+    return {line.split()[0]: set(line.split()[1:]) for line in printed.splitlines()}
 
 
 NAMES = {"seam": ("the seam", "win32_api.h"), "formatter": ("formatter", "bounded printf"), "message": ("message", "the blocking one"),
@@ -125,7 +129,8 @@ def draw_rooms():
     def reaches(room):
         return set().union(*(({below} | reaches(below)) for below in allowed[room]))
 
-    nearest = {room: {b for b in below if not any(b in reaches(other) for other in below - {b})} for room, below in allowed.items()}
+    nearest = {room: {b for b in below if not any(b in reaches(other) for other in below - {b})}
+               for room, below in allowed.items()}
     floor = {}
 
     def floor_of(room):

@@ -89,9 +89,10 @@ def name_of(kind, tokens):
     if kind == "namespace":
         return "".join(texts[1:])
     if kind in ("class", "enum"):
-        names = [t for t in texts if re.match(r"\w", t) and t not in ("class", "struct", "union", "enum", "extern", "template")]
+        keywords = ("class", "struct", "union", "enum", "extern", "template")
+        names = [t for t in texts if re.match(r"\w", t) and t not in keywords]
         return names[0] if names else ""
-    if texts[:1] == ["void"] and texts[1:3] == ["(", "*"] or texts[:2] == ["virtual", "void"] and texts[2:4] == ["(", "*"]:
+    if re.match(r"(virtual )?void \( \* ", " ".join(texts)): # returns a pointer to a function
         return texts[texts.index("*") + 1]
     if "operator" in texts:
         at = texts.index("operator")
@@ -197,8 +198,8 @@ class Header:
                         self.classes[f"{scope.path()}::{name}".strip(":")] = statement
                     if kind == "namespace":
                         self.namespaces.add(f"{scope.path()}::{name}".strip(":"))
-                    keyword = next((t for t in outside_templates(statement.texts()) if t in ("class", "struct", "union")), "")
-                    scope = Scope(kind, name, scope, "private" if keyword == "class" else "public", statement)
+                    access = "private" if "class" in outside_templates(statement.texts()) else "public"
+                    scope = Scope(kind, name, scope, access, statement)
                 else:
                     before = current.texts()[-2]
                     body = before in DECLARES_BODY or before in (")", "}")
@@ -269,20 +270,15 @@ def markdown(lines):
             in_list = in_list or bool(is_item)
             result.append(line)
     flush()
-    text, fenced = [], False
-    for line in result:
-        if line.startswith("```"):
-            fenced = not fenced
-            text.append(line)
-        else:
-            text.append(line if fenced else line.replace("\0", ""))
     # Backticks may span lines: what is no code is escaped paragraph by paragraph.
     out, paragraph, fenced = [], [], False
+
     def end_paragraph():
         if paragraph:
             out.extend(prose("\n".join(paragraph)).split("\n"))
             paragraph.clear()
-    for line in text:
+
+    for line in result:
         if line.startswith("```"):
             end_paragraph()
             fenced = not fenced
@@ -335,7 +331,8 @@ def enumerator_numbers(header):
             texts = statement.texts()
             value = "".join(texts[2:]).strip(",") if "=" in texts else following.get(statement.scope, "0")
             numbers[statement] = value
-            following[statement.scope] = str(int(value, 0) + 1) if re.fullmatch(r"-?(0[xX][0-9a-fA-F]+|[0-9]+)", value) else f"after {value}"
+            is_number = re.fullmatch(r"-?(0[xX][0-9a-fA-F]+|[0-9]+)", value)
+            following[statement.scope] = str(int(value, 0) + 1) if is_number else f"after {value}"
     return numbers
 
 
@@ -352,7 +349,8 @@ def documented(header):
             own = True
         else:
             own = False
-            if previous is None or previous.scope is not scope or line != previous.last + 1 or statement.access != previous.access:
+            follows = previous is not None and previous.scope is scope and previous.access == statement.access
+            if not follows or line != previous.last + 1:
                 shared = None
         statement.first, statement.last, statement.comment_first = line, last, first
         is_default = statement.texts()[-3:-1] == ["=", "default"]
@@ -448,7 +446,8 @@ def converted(text, room="", path=""):
                 lines = general + ([""] + lines if lines else [])
             for block in sections.get(statement, []):
                 extra += [""] + markdown(block)
-        if statement.scope.kind in ("namespace", "file") and statement.kind in ("class", "function", "enum", "variable", "using"):
+        grouped = ("class", "function", "enum", "variable", "using")
+        if statement.scope.kind in ("namespace", "file") and statement.kind in grouped:
             lines = group + lines
         at_line[statement.first] = lines + extra
     source = list(header.text)

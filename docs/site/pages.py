@@ -22,6 +22,13 @@ ROOMS = {
     "properties/win32": "Settings files and stores", "registry": "Registry", "packing": "Typed records",
     "platform": "Platform services",
 }
+NAMESPACES = {
+    "Quarn": "What is the same on every system.",
+    "Quarn::Stream": "What stands at the beginning of a record.",
+    "Quarn::Win32": "Settings files, and settings from the registry.",
+    "Win32Quarn": "What wraps the system: registry, modules, locks, the log.",
+    "QuarnUtil": "The library itself, as a module of the process.",
+}
 # The parts of a line: code, pictures, links, and what is between them.
 PIECES = re.compile(r"(?P<code>`[^`]+`)|(?P<image>!\[(?P<label>[^\]]*)\]\((?P<path>[^)]+)\))|"
                     r"(?P<link>\[(?P<words>(?:`[^`]*`|[^\]`])+)\]\((?P<to>[^)\s]+)\))|[^`\[!]+|[\[!`]")
@@ -88,7 +95,8 @@ class Site:
                 label, path = match["label"], match["path"]
                 file = document.parent / path
                 shutil.copy(file, self.output / "html" / file.name)
-                return f'<div class="drawing-frame"><img class="drawing" src="{file.name}" alt="{html.escape(label)}"/></div>'
+                picture = f'<img class="drawing" src="{file.name}" alt="{html.escape(label)}"/>'
+                return f'<div class="drawing-frame">{picture}</div>'
             if match["link"]:
                 where = self.target(match["to"], document)
                 label = PIECES.sub(piece, match["words"])
@@ -131,7 +139,8 @@ class Site:
             elif fence or text.startswith("    "):
                 lines.append(text)
             elif source:
-                where = self.target("/".join([".."] * len(document.parent.relative_to(self.root).parts) + [source[1]]), document)
+                up = "../" * len(document.parent.relative_to(self.root).parts)
+                where = self.target(up + source[1], document)
                 label = f"[{source[1]}]({where})" if where else source[1]
                 lines += ['<div class="source">', label, "</div>"]
             else:
@@ -146,13 +155,15 @@ class Site:
         files = sorted(p for p in folder.iterdir() if p.suffix in LANGUAGES)
         for file in files:
             code = file.read_text(encoding="utf-8").rstrip("\n")
-            lines += [f"## {file.name} {{#{page}-{slug(file.name)}}}", "", f"```{LANGUAGES[file.suffix]}", code, "```", ""]
+            lines += [f"## {file.name} {{#{page}-{slug(file.name)}}}", ""]
+            lines += [f"```{LANGUAGES[file.suffix]}", code, "```", ""]
         (self.output / f"{page}.md").write_text("\n".join(lines), encoding="utf-8")
 
     def rooms(self):
         """The groups of the reference: a room each, described by the table in the architecture."""
         table = (self.root / "docs/architecture.md").read_text(encoding="utf-8")
-        headers = re.search(r"set\(public_headers\n(.*?)\n\)", (self.root / "quarn/CMakeLists.txt").read_text(encoding="utf-8"), re.DOTALL)
+        build = (self.root / "quarn/CMakeLists.txt").read_text(encoding="utf-8")
+        headers = re.search(r"set\(public_headers\n(.*?)\n\)", build, re.DOTALL)
         nameless = {header.strip().rpartition("/")[0] for header in headers[1].split("\n")} - set(ROOMS) - {""}
         if nameless:
             sys.exit(f"docs/site/pages.py: the reference has no title for {' '.join(sorted(nameless))}")
@@ -161,21 +172,24 @@ class Site:
             row = re.search(rf"^\| `quarn/{room}/`[^|]*\| ([^|]*) \|", table, re.MULTILINE)
             if not row:
                 sys.exit(f"docs/architecture.md: no row for the room quarn/{room}/")
-            lines += [f"/// @defgroup room_{room.replace('/', '_')} {title}", f"/// @brief {row[1][0].upper()}{row[1][1:]}.", ""]
+            lines += [f"/// @defgroup room_{room.replace('/', '_')} {title}",
+                      f"/// @brief {row[1][0].upper()}{row[1][1:]}.", ""]
         rooms = "".join(f"/// - @ref room_{room.replace('/', '_')}\n" for room in ROOMS)
-        lines += ["/// @page reference Reference", "/// What every public header declares, room by room. `quarn/quarn_util.h` includes them all.",
-                  "/// What Win32 functions there are on Linux stands in `quarn/platform/win32_api.h` alone.", "///", rooms, "/// @namespace Quarn", "/// What is the same on every system.", "",
-                  "/// @namespace Quarn::Stream", "/// What stands at the beginning of a record.", "",
-                  "/// @namespace Quarn::Win32", "/// Settings files, and settings from the registry.", "",
-                  "/// @namespace Win32Quarn", "/// What wraps the system: registry, modules, locks, the log.", "",
-                  "/// @namespace QuarnUtil", "/// The library itself, as a module of the process.", ""]
+        lines += [
+            "/// @page reference Reference",
+            "/// What every public header declares, room by room. `quarn/quarn_util.h` includes them all.",
+            "/// What Win32 functions there are on Linux stands in `quarn/platform/win32_api.h` alone.",
+            "///", rooms]
+        for namespace, what in NAMESPACES.items():
+            lines += [f"/// @namespace {namespace}", f"/// {what}", ""]
         (self.output / "rooms.dox").write_text("\n".join(lines), encoding="utf-8")
 
     def layout(self, template):
         def tab(page):
             return f'    <tab type="user" url="@ref {page}" title="{html.escape(self.titles[page])}"/>'
         tabs = [tab(name) for name in self.order if name not in LAST]
-        tabs += ['    <tab type="usergroup" title="Examples">'] + [tab(f"example-{n}") for n in self.examples] + ["    </tab>"]
+        tabs += ['    <tab type="usergroup" title="Examples">']
+        tabs += [tab(f"example-{name}") for name in self.examples] + ["    </tab>"]
         late = [tab(name) for name in self.order if name in LAST]
         text = template.read_text(encoding="utf-8")
         text = text.replace("    <!-- pages -->", "\n".join(tabs)).replace("    <!-- last -->", "\n".join(late))
