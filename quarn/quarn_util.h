@@ -22,6 +22,7 @@
 #include "quarn/properties/property_value.h"
 #include "quarn/properties/win32/property_stores.h"
 #include "quarn/properties/win32/registry_persist.h"
+#include "quarn/properties/win32/settings_file.h"
 #include "quarn/properties/win32/xml_persist.h"
 #include "quarn/registry/registry_enum.h"
 #include "quarn/registry/registry_key.h"

@@ -1,8 +1,8 @@
 # Which packages of Debian 12 each job needs, and how they are installed. Sourced by the scripts.
 
 # windres, which compiles the resources for both systems, is in binutils-mingw-w64-x86-64.
-packages_build=(cmake ninja-build g++ binutils-mingw-w64-x86-64 libsqlite3-dev libxerces-c-dev zlib1g-dev)
-packages_test=(gdb libexpat1-dev libgtest-dev locales tzdata pkg-config)
+packages_build=(cmake ninja-build g++ binutils-mingw-w64-x86-64 libcli11-dev libsqlite3-dev libxerces-c-dev zlib1g-dev)
+packages_test=(gdb libexpat1-dev libgtest-dev locales mandoc python3 tzdata pkg-config)
 # The Xerces-C for Windows comes from a source package, which dpkg-dev unpacks.
 packages_windows=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev dpkg-dev wine wine64)
 packages_windows_test=(gdb-mingw-w64 gdb-mingw-w64-target googletest)

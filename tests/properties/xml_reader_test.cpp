@@ -51,8 +51,10 @@ ReadResult Compare(std::string const& document)
     PropertyCollection expected = Filled();
     PropertyCollection read = Filled();
     reference::Result const result = reference::Read(document, expected);
-    ReadResult const actual = ReadSettings(document, read);
+    Quarn::detail::ReadProblem problem;
+    ReadResult const actual = ReadSettings(document, read, &problem);
     EXPECT_EQ(actual, Expected(result)) << document;
+    EXPECT_EQ(actual == ReadResult::Whole, problem.reason.empty()) << document;
     EXPECT_EQ(Dump(read), Dump(expected)) << document;
     return actual;
 }

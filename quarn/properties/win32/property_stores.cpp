@@ -5,6 +5,7 @@
 #include "quarn/properties/win32/registry_seed.h"
 #include "quarn/properties/win32/settings_backup.h"
 #include "quarn/properties/win32/settings_document.h"
+#include "quarn/properties/win32/settings_file.h"
 #include "quarn/properties/win32/settings_path.h"
 
 #include <cstring>
@@ -117,12 +118,17 @@ bool QuarnProperties::GetXMLFolder(char* folder)
 
 bool QuarnProperties::BackupXML(char* backupPath)
 {
-    return detail::BackupSettingsFile(m_xmlFilePath, backupPath);
+    Quarn::string backup;
+    if (backupPath == nullptr || !BackupSettingsFile(m_xmlFilePath, backup)) {
+        return false;
+    }
+    std::memcpy(backupPath, backup.c_str(), backup.size() + 1);
+    return true;
 }
 
 bool QuarnProperties::RestoreXML(Quarn::string const& backupPath)
 {
-    if (!detail::RestoreSettingsFile(m_xmlFilePath, backupPath)) {
+    if (!RestoreSettingsFile(m_xmlFilePath, backupPath)) {
         return false;
     }
     // A restored store has always met its registry key first.

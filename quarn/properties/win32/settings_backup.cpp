@@ -6,12 +6,13 @@
 #include "quarn/properties/win32/file_reading.h"
 #include "quarn/properties/win32/file_search.h"
 #include "quarn/properties/win32/save_lock.h"
+#include "quarn/properties/win32/settings_file.h"
 #include "quarn/properties/win32/settings_path.h"
 #include "quarn/properties/win32/settings_reader.h"
 #include "quarn/properties/win32/temporary_file.h"
 #include "quarn/properties/win32/xml_library.h"
 
-#include <cstring>
+#include <utility>
 
 namespace Quarn::detail {
 
@@ -77,29 +78,6 @@ bool Restore(string const& path, string const& backupPath)
 
 } // namespace
 
-bool BackupSettingsFile(string const& path, char* backupPath) noexcept
-{
-    try {
-        string backup;
-        if (backupPath == nullptr || !CreateBackup(path, backup)) {
-            return false;
-        }
-        std::memcpy(backupPath, backup.c_str(), backup.size() + 1);
-        return true;
-    } catch (...) {
-        return false;
-    }
-}
-
-bool RestoreSettingsFile(string const& path, string const& backupPath) noexcept
-{
-    try {
-        return Restore(path, backupPath);
-    } catch (...) {
-        return false;
-    }
-}
-
 void RemoveSettingsFiles(string const& path) noexcept
 {
     try {
@@ -114,3 +92,30 @@ void RemoveSettingsFiles(string const& path) noexcept
 }
 
 } // namespace Quarn::detail
+
+namespace Quarn::Win32 {
+
+bool BackupSettingsFile(Quarn::string const& path, Quarn::string& backupPath) noexcept
+{
+    try {
+        Quarn::string backup;
+        if (!detail::CreateBackup(path, backup)) {
+            return false;
+        }
+        backupPath = std::move(backup);
+        return true;
+    } catch (...) {
+        return false;
+    }
+}
+
+bool RestoreSettingsFile(Quarn::string const& path, Quarn::string const& backupPath) noexcept
+{
+    try {
+        return detail::Restore(path, backupPath);
+    } catch (...) {
+        return false;
+    }
+}
+
+} // namespace Quarn::Win32

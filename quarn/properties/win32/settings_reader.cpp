@@ -14,6 +14,8 @@
 
 #include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/parsers/SAX2XMLReaderImpl.hpp>
+#include <xercesc/sax/Locator.hpp>
+#include <xercesc/sax/SAXParseException.hpp>
 #include <xercesc/sax2/Attributes.hpp>
 #include <xercesc/sax2/DefaultHandler.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
@@ -35,6 +37,23 @@ constexpr XMLCh SourceName[] = {'s', 'e', 't', 't', 'i', 'n', 'g', 's', 0};
 struct Refusal
 {};
 
+constexpr char const* TooDeepElements = "more than 10,000 elements in each other";
+constexpr char const* TooDeepKeys = "more than 1,000 levels of keys";
+constexpr char const* TooLongName = "a name of more than 16 MiB";
+constexpr char const* BesideTheRoot = "a comment or a processing instruction beside the root element";
+constexpr char const* DocumentType = "a document type declaration";
+constexpr char const* OtherVersion = "another version of XML than 1.0 and 1.1";
+constexpr char const* TooLong = "more than 256 MiB";
+constexpr char const* UnsoundCharacters =
+    "a zero character, half a character, or something behind the last element";
+constexpr char const* OtherEncoding = "an encoding that the document does not have";
+constexpr char const* TooMuchMemory = "more than the XML library may take to read it";
+constexpr char const* NoKeyInRoot = "no key in the root element; its first element has no Name";
+constexpr char const* NoName = "an element without Name";
+constexpr char const* NoType = "a value without Type";
+constexpr char const* NoElement = "a comment, a processing instruction or a CDATA section between elements";
+constexpr char const* NoCharacter = "a character that the process code page has not";
+
 // How many levels a key path makes: the keys' own path syntax, delimiters in a row counting as one.
 std::size_t LevelsOf(std::string_view path)
 {
@@ -51,7 +70,7 @@ std::size_t LevelsOf(std::string_view path)
 class Handler final : public xercesc::DefaultHandler
 {
 public:
-    explicit Handler(SettingsSteps& steps) : m_steps(steps) {}
+    Handler(SettingsSteps& steps, ReadProblem& problem) : m_steps(steps), m_problem(problem) {}
 
     ReadResult Result() const
     {
@@ -65,7 +84,7 @@ public:
                       xercesc::Attributes const& attributes) override
     {
         if (++m_depth > MaxElementDepth) {
-            throw Refusal();
+            Refuse(TooDeepElements);
         }
         if (m_depth == 1) {
             m_steps.SetDescription(Convert(name, m_name));
@@ -101,8 +120,32 @@ public:
     void comment(XMLCh const*, XMLSize_t) override { MeetNodeWithoutName(); }
     void processingInstruction(XMLCh const*, XMLCh const*) override { MeetNodeWithoutName(); }
 
-    void error(xercesc::SAXParseException const&) override { throw Refusal(); }
-    void fatalError(xercesc::SAXParseException const&) override { throw Refusal(); }
+    void error(xercesc::SAXParseException const& failure) override
+    {
+        throw xercesc::SAXParseException(failure);
+    }
+    void fatalError(xercesc::SAXParseException const& failure) override { error(failure); }
+
+    void setDocumentLocator(xercesc::Locator const* locator) override { m_locator = locator; }
+
+    // The place where the XML library stands, and the reason, unless there is one already.
+    void Note(char const* reason)
+    {
+        if (m_problem.reason.empty()) {
+            if (m_locator != nullptr) {
+                m_problem.line = m_locator->getLineNumber();
+                m_problem.column = m_locator->getColumnNumber();
+            }
+            m_problem.reason = reason;
+        }
+    }
+    // Once the document is refused, why counts alone.
+    [[noreturn]] void Refuse(char const* reason)
+    {
+        m_problem.reason.clear();
+        Note(reason);
+        throw Refusal();
+    }
 
 private:
     enum class Place
@@ -141,6 +184,7 @@ private:
             m_depths.push_back(0);
             m_place = Place::Key;
         } else {
+            Note(NoKeyInRoot);
             m_place = Place::Done;
         }
     }
@@ -150,7 +194,7 @@ private:
         auto const [name, type] = NameAndType(attributes);
         bool const isValue = xercesc::XMLString::equals(element, ValueElement);
         if (name == nullptr || (isValue && type == nullptr)) {
-            Stop();
+            Stop(name == nullptr ? NoName : NoType);
         } else if (isValue) {
             m_valueNameSize = Append(name, CheckedNameSize(name));
             m_valueType = PropertyData::GetType(Convert(type, m_type));
@@ -160,7 +204,7 @@ private:
             ConvertName(name);
             std::size_t const levels = LevelsOf(m_name);
             if (m_levels + levels > MaxTreeDepth) {
-                throw Refusal();
+                Refuse(TooDeepKeys);
             }
             m_levels += levels;
             m_depths.push_back(levels);
@@ -186,17 +230,19 @@ private:
     void MeetNodeWithoutName()
     {
         if (m_depth == 0) {
-            throw Refusal();
+            Refuse(BesideTheRoot);
         }
         if (m_place == Place::Key) {
-            Stop();
+            Stop(NoElement);
         } else if (m_place == Place::Root) {
+            Note(NoKeyInRoot);
             m_place = Place::Done;
         }
     }
 
-    void Stop()
+    void Stop(char const* reason)
     {
+        Note(reason);
         m_stopped = true;
         m_place = Place::Done;
     }
@@ -211,15 +257,15 @@ private:
     string const& Convert(XMLCh const* characters, string& text)
     {
         text.clear();
-        m_exact &= AppendFromUtf16(characters, xercesc::XMLString::stringLen(characters), text);
+        AppendTo(text, characters, xercesc::XMLString::stringLen(characters));
         return text;
     }
 
-    static std::size_t CheckedNameSize(XMLCh const* name)
+    std::size_t CheckedNameSize(XMLCh const* name)
     {
         std::size_t const size = xercesc::XMLString::stringLen(name);
         if (size > MaxNameSize) {
-            throw Refusal();
+            Refuse(TooLongName);
         }
         return size;
     }
@@ -235,11 +281,21 @@ private:
     {
         std::string& texts = m_steps.Texts();
         std::size_t const start = texts.size();
-        m_exact &= AppendFromUtf16(characters, count, texts);
+        AppendTo(texts, characters, count);
         return texts.size() - start;
     }
 
+    void AppendTo(std::string& text, XMLCh const* characters, std::size_t count)
+    {
+        if (!AppendFromUtf16(characters, count, text)) {
+            m_exact = false;
+            Note(NoCharacter);
+        }
+    }
+
     SettingsSteps& m_steps;
+    ReadProblem& m_problem;
+    xercesc::Locator const* m_locator = nullptr;
     Place m_place = Place::Root;
     std::size_t m_depth = 0;
     std::size_t m_resumeDepth = 0;
@@ -291,14 +347,15 @@ bool IsPossible(XMLCh const* encoding, std::size_t width)
 class Reader final : public xercesc::SAX2XMLReaderImpl
 {
 public:
-    Reader(xercesc::MemoryManager* memory, std::size_t characterWidth)
+    Reader(xercesc::MemoryManager* memory, Handler& handler, std::size_t characterWidth)
         : SAX2XMLReaderImpl(memory),
+          m_handler(handler),
           m_characterWidth(characterWidth)
     {}
 
     void doctypeDecl(xercesc::DTDElementDecl const&, XMLCh const*, XMLCh const*, bool, bool) override
     {
-        throw Refusal();
+        m_handler.Refuse(DocumentType);
     }
 
     void XMLDecl(XMLCh const* version, XMLCh const* encoding, XMLCh const* standalone,
@@ -308,15 +365,16 @@ public:
         using xercesc::XMLUni;
         if (!XMLString::equals(version, XMLUni::fgVersion1_0) &&
             !XMLString::equals(version, XMLUni::fgVersion1_1)) {
-            throw Refusal();
+            m_handler.Refuse(OtherVersion);
         }
         if (!IsPossible(encoding, m_characterWidth)) {
-            throw Refusal();
+            m_handler.Refuse(OtherEncoding);
         }
         SAX2XMLReaderImpl::XMLDecl(version, encoding, standalone, actualEncoding);
     }
 
 private:
+    Handler& m_handler;
     std::size_t m_characterWidth;
 };
 
@@ -370,7 +428,17 @@ bool HasSoundCharacters(std::string_view document)
     return !hasFirstHalf;
 }
 
-bool Parse(std::string_view document, Handler& handler)
+// What the XML library says, as the process's text.
+string TextOf(XMLCh const* message)
+{
+    std::string text;
+    if (message != nullptr) {
+        AppendFromUtf16(message, xercesc::XMLString::stringLen(message), text);
+    }
+    return text.empty() ? string("no well-formed XML") : string(std::move(text));
+}
+
+bool Parse(std::string_view document, Handler& handler, ReadProblem& problem)
 {
     BoundedMemory memory(MaxParserMemory);
     try {
@@ -379,7 +447,7 @@ bool Parse(std::string_view document, Handler& handler)
         xercesc::MemBufInputSource source(reinterpret_cast<XMLByte const*>(document.data()), document.size(),
                                           SourceName, false, &memory);
         source.setCopyBufToStream(false);
-        Reader reader(&memory, CharacterWidth(document));
+        Reader reader(&memory, handler, CharacterWidth(document));
         Configure(reader);
         reader.setProperty(xercesc::XMLUni::fgXercesSecurityManager, &security);
         reader.setContentHandler(&handler);
@@ -389,23 +457,46 @@ bool Parse(std::string_view document, Handler& handler)
         return true;
     } catch (std::bad_alloc const&) {
         throw;
+    } catch (Refusal const&) { // which has told why
+    } catch (xercesc::SAXParseException const& failure) {
+        problem = {failure.getLineNumber(), failure.getColumnNumber(), TextOf(failure.getMessage())};
+    } catch (xercesc::SAXException const& failure) {
+        problem = {0, 0, TextOf(failure.getMessage())};
+    } catch (xercesc::XMLException const& failure) {
+        problem = {failure.getSrcLine(), 0, TextOf(failure.getMessage())};
     } catch (...) {
-        // The refusal, or whatever the XML library throws where it cannot go on.
-        return false;
+        // Whatever the XML library throws where it cannot go on; mostly for want of memory.
+        problem = {0, 0, TooMuchMemory};
     }
+    return false;
 }
 
 } // namespace
 
-ReadResult ReadSettings(std::string_view document, PropertyCollection& collection)
+ReadResult ReadSettings(std::string_view document, PropertyCollection& collection, ReadProblem* problem)
 {
     SettingsSteps steps;
-    Handler handler(steps);
-    if (document.size() > MaxDocumentSize || !HasSoundCharacters(document) || !Parse(document, handler)) {
-        return ReadResult::Refused;
+    ReadProblem found;
+    Handler handler(steps, found);
+    bool read = false;
+    if (document.size() > MaxDocumentSize) {
+        found.reason = TooLong;
+    } else if (!HasSoundCharacters(document)) {
+        found.reason = UnsoundCharacters;
+    } else {
+        read = Parse(document, handler, found);
     }
-    steps.Apply(collection);
-    return handler.Result();
+    if (read) {
+        steps.Apply(collection);
+    }
+    ReadResult const result = read ? handler.Result() : ReadResult::Refused;
+    if (result == ReadResult::NoKey && found.reason.empty()) {
+        found = {0, 0, NoKeyInRoot};
+    }
+    if (problem != nullptr && result != ReadResult::Whole) {
+        *problem = found;
+    }
+    return result;
 }
 
 } // namespace Quarn::detail

@@ -2,6 +2,9 @@
 // no tree is built: the XML library reports the parts as it meets them.
 #pragma once
 
+#include "quarn/text/string.h"
+
+#include <cstdint>
 #include <string_view>
 
 namespace Quarn {
@@ -24,10 +27,21 @@ enum class ReadResult
     Refused,
 };
 
+// What stands against a document: the first thing in it that is not in the collection, for people. Line and
+// column count from 1 and are where the XML library stood when it met that; 0 where there is no place.
+struct ReadProblem
+{
+    std::uint64_t line = 0;
+    std::uint64_t column = 0;
+    string reason;
+};
+
 // Adds the document to the collection: keys of one name are merged, values of one name overwritten. No other
-// file and no network is ever read. The XML library is started. Throws std::bad_alloc, before the collection
-// changes unless that happens while it grows.
-ReadResult ReadSettings(std::string_view document, PropertyCollection& collection);
+// file and no network is ever read. The XML library is started. Where the result is not Whole and `problem`
+// is not null, it is set. Throws std::bad_alloc, before the collection changes unless that happens while it
+// grows.
+ReadResult ReadSettings(std::string_view document, PropertyCollection& collection,
+                        ReadProblem* problem = nullptr);
 
 } // namespace detail
 

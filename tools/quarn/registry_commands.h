@@ -1,0 +1,16 @@
+// The commands "quarn registry ...". Each returns the exit code, or throws Failure.
+#pragma once
+
+#include "outcome.h"
+
+#include <string>
+
+namespace tool {
+
+ExitCode ShowRegistry(std::string const& path, bool json);
+// Makes the file what a store that is seeded from the key would hold. Differs where something was left out.
+ExitCode ExportRegistry(std::string const& path, std::string const& file, bool json);
+// Adds the file's values to the key. Differs where something was left out.
+ExitCode ImportRegistry(std::string const& path, std::string const& file, bool json);
+
+} // namespace tool
