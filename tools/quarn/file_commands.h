@@ -15,7 +15,7 @@ struct RecordView
     std::uint64_t from = 0;             // where the hex view begins
     std::uint64_t bytes = 512;          // how much it shows
 };
-ExitCode ShowRecord(std::string const& file, RecordView const& view, bool json);
+ExitCode ShowRecord(std::string const& path, RecordView const& view, bool json);
 
 ExitCode PrintChecksums(std::vector<std::string> const& files, bool json);
 ExitCode PrintVersions(std::vector<std::string> const& files, bool json);

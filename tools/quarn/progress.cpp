@@ -4,11 +4,10 @@
 #include "text.h"
 
 #include <cstdio>
-#include <utility>
 
 namespace tool {
 
-Progress::Progress(std::string name, std::uint64_t total)
+Progress::Progress(std::string const& name, std::uint64_t total)
     : m_name(Printable(name)),
       m_total(total),
       m_next(std::chrono::steady_clock::now() + std::chrono::seconds(1)),

@@ -12,7 +12,7 @@ class Progress
 {
 public:
     // `total` is 0 where nobody knows.
-    Progress(std::string name, std::uint64_t total);
+    Progress(std::string const& name, std::uint64_t total);
     Progress(Progress const&) = delete;
     Progress& operator=(Progress const&) = delete;
     // Takes the line away.

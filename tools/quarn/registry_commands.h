@@ -1,4 +1,5 @@
-// The commands "quarn registry ...". Each returns the exit code, or throws Failure.
+// The commands "quarn registry ...", on a key whose path the text is. Each returns the exit code, or throws
+// Failure.
 #pragma once
 
 #include "outcome.h"
@@ -7,10 +8,10 @@
 
 namespace tool {
 
-ExitCode ShowRegistry(std::string const& path, bool json);
+ExitCode ShowRegistry(std::string const& text, bool json);
 // Makes the file what a store that is seeded from the key would hold. Differs where something was left out.
-ExitCode ExportRegistry(std::string const& path, std::string const& file, bool json);
+ExitCode ExportRegistry(std::string const& text, std::string const& file, bool json);
 // Adds the file's values to the key. Differs where something was left out.
-ExitCode ImportRegistry(std::string const& path, std::string const& file, bool json);
+ExitCode ImportRegistry(std::string const& text, std::string const& file, bool json);
 
 } // namespace tool

@@ -73,7 +73,7 @@ private:
             DWORD size = 0;
             // What grows between two calls asks for a third.
             do {
-                constexpr std::size_t MaxNameSize = 16'384 * 3;
+                constexpr std::size_t MaxNameSize = std::size_t{3} * 16'384;
                 m_name.resize(MaxNameSize);
                 data.bytes.resize(size);
                 nameSize = MaxNameSize;

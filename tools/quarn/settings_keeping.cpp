@@ -31,7 +31,7 @@ std::vector<std::string> BackupsOf(std::string const& file)
     std::vector<std::pair<std::uint32_t, std::string>> found;
     WIN32_FIND_DATAA data;
     HANDLE const search = ::FindFirstFileA((stem + "_*" + extension).c_str(), &data);
-    for (BOOL more = search != INVALID_HANDLE_VALUE; more; more = ::FindNextFileA(search, &data)) {
+    for (bool more = search != INVALID_HANDLE_VALUE; more; more = ::FindNextFileA(search, &data) != FALSE) {
         std::string const path = folder + data.cFileName;
         std::size_t const stamp = stem.size() + 1;
         if (path.size() < stamp + extension.size()) {
@@ -49,6 +49,7 @@ std::vector<std::string> BackupsOf(std::string const& file)
     }
     std::sort(found.rbegin(), found.rend());
     std::vector<std::string> paths;
+    paths.reserve(found.size());
     for (auto const& [number, path] : found) {
         paths.push_back(path);
     }
