@@ -1,5 +1,5 @@
 // The one blocking message of the library (a size that does not fit, see text/narrowing.h) and the handler
-// that can take its place: a station without an operator, or a test, sets its own.
+// that can take its place: a station without an operator, or a test, sets its own. Any thread may call both.
 #pragma once
 
 #include "quarn/export.h"

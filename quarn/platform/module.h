@@ -1,4 +1,4 @@
-// The library as a module of the process, and the choice of its language.
+// The library as a module of the process, and the choice of its language, before there are other threads.
 #pragma once
 
 #include "quarn/export.h"

@@ -1,5 +1,5 @@
-// Quarn::Stream::HeaderBlock: the eight bytes that open every stored record and say what follows and in which
-// version of its layout. On the stream: id, then version, 32 bits each, little-endian. A plain value.
+// Quarn::Stream::HeaderBlock: what opens every stored record: what follows, in which version of its layout.
+// On the stream: id, then version, 32 bits each, little-endian. A plain value, for one thread at a time.
 #pragma once
 
 #include <cstdint>

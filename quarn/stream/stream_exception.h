@@ -1,5 +1,5 @@
 // The exceptions of the binary streams. All carry a message alone; they are thrown by value and caught by
-// their own type or any base, QuarnException and std::runtime_error among them.
+// their own type or any base, QuarnException and std::runtime_error among them. Threads as QuarnException.
 #pragma once
 
 #include "quarn/export.h"

@@ -1,6 +1,6 @@
 // The part of a stream's memory that typed reads and writes use without a call: from `next` up to `end`,
 // empty as long as every byte has to go through the stream's own input and output. A stream that lends such a
-// window counts what it moved there, and closes the window before it does anything else.
+// window counts what it moved there, and closes the window before it does anything else. Its thread's alone.
 #pragma once
 
 #include <cstddef>

@@ -1,5 +1,5 @@
-// Quarn::QuarnException: the root of the library's exceptions. It carries a message for people and nothing
-// else. The library throws its exceptions by value; catch them by reference, by their own type or any base.
+// Quarn::QuarnException: the root of the library's exceptions. It carries a message for people, which any
+// threads may read at once. They are thrown by value; catch them by reference, by their own type or any base.
 #pragma once
 
 #include "quarn/export.h"

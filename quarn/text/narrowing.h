@@ -1,6 +1,6 @@
 // The checked narrowing of 64-bit sizes to the 32 bits of the record format and of older interfaces. A size
 // that does not fit is no error: it is reported in a blocking message, and the work goes on with the low
-// bits.
+// bits. Any thread may call it.
 #pragma once
 
 #include "quarn/export.h"

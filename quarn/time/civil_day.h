@@ -1,7 +1,7 @@
 // Dates and Julian day numbers, for the operations of Time. The number of a date is that of the Julian day
 // that begins at its noon: the date begins half a day before. The well-known formulas with factors such as
 // 365.25 and 30.6001, in whole numbers and with factors that need no true division, which give the same
-// result for every day.
+// result for every day. Any thread may call them.
 #pragma once
 
 #include <concepts>

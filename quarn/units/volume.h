@@ -1,5 +1,5 @@
 // Quarn::Volume: the place of a quantity that has neither value nor unit yet. Copying and assigning it does
-// nothing.
+// nothing, in any thread.
 #pragma once
 
 namespace Quarn {
