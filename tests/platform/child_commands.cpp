@@ -97,6 +97,23 @@ int UseLibraries(std::string const& result, char** begin, char** end)
     return number != nullptr ? reinterpret_cast<int (*)()>(number)() : 0;
 }
 
+// Loads the companion with the number 3 and gives it back, so many times.
+int LoadAgain(std::string const& path, int times)
+{
+    for (int i = 0; i < times; ++i) {
+        Win32Quarn::Win32Library library(path, "");
+        if (!library.Load()) {
+            return 1;
+        }
+        auto const number = reinterpret_cast<int (*)()>(library.GetFunction("CompanionNumber"));
+        if (number == nullptr || number() != 3) {
+            return 2;
+        }
+        library.Unload();
+    }
+    return 0;
+}
+
 } // namespace
 
 int RunChildCommand(int count, char** arguments)
@@ -113,6 +130,9 @@ int RunChildCommand(int count, char** arguments)
     }
     if (command == "folder" && count == 4) {
         return IsFolder(std::atoi(arguments[2]), arguments[3]);
+    }
+    if (command == "loader" && count == 4) {
+        return LoadAgain(arguments[2], std::atoi(arguments[3]));
     }
     if (command == "library" && count > 3) {
         return UseLibraries(arguments[2], arguments + 3, arguments + count);

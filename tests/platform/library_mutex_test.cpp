@@ -5,9 +5,11 @@
 
 #include "platform/child_process.h"
 #include "platform/companions.h"
+#include "tests/scale.h"
 
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <thread>
 
 namespace {
@@ -147,6 +149,21 @@ TEST_F(LibraryMutexProcess, AKilledHolderLetsTheOthersGoOn)
     holder.Kill();
     EXPECT_EQ(other.Wait(), 3);
     EXPECT_TRUE(IsFree());
+}
+
+TEST_F(LibraryMutexProcess, EightLoadersOfOneCompanionAllGetIt)
+{
+    std::string const count = std::to_string(Times("QUARN_SAVES", 25));
+    std::string const path = Put("3");
+    std::vector<std::unique_ptr<ChildProcess>> loaders;
+    for (int i = 0; i < 8; ++i) {
+        loaders.push_back(std::make_unique<ChildProcess>(std::vector<std::string>{"loader", path, count}));
+    }
+    for (auto const& loader : loaders) {
+        EXPECT_EQ(loader->Wait(), 0);
+    }
+    EXPECT_TRUE(IsFree());
+    ShowFigure("8 loaders of a companion library, ", count, " times each");
 }
 
 } // namespace
