@@ -32,6 +32,13 @@ usage() {
 
 # ---- what a form is made of: it says what it does in $what, and what came of it in $figure.
 
+# programs NAME...: builds these of the native build.
+programs() {
+    say "Building $*"
+    quietly native-debug-configure cmake --preset native-debug &&
+        quietly native-debug-build cmake --build --preset native-debug --parallel "$jobs" --target "$@"
+}
+
 # figures PROGRAM FILTER: runs tests of the native build; what they print as a figure becomes part of $figure.
 figures() {
     local log=$root/build/logs/full-$form-$1.log status
@@ -49,13 +56,13 @@ figures() {
 
 kills() {
     what="${number[kills]} kills of each writer"
-    build native-debug && QUARN_KILLS=${number[kills]} figures reliability_test 'Kills.*'
+    programs reliability_test && QUARN_KILLS=${number[kills]} figures reliability_test 'Kills.*'
 }
 
 processes() {
     what="8 processes, ${number[saves]} times each"
     export QUARN_SAVES=${number[saves]}
-    build native-debug || return 1
+    programs xml_process_test reliability_test library_test || return 1
     local status=0
     figures xml_process_test 'XmlProcesses.Eight*' || status=1
     figures reliability_test 'Processes.*' || status=1
@@ -77,7 +84,7 @@ zones() {
 
 doubles() {
     what="${number[doubles]} random doubles"
-    build native-debug && QUARN_DOUBLES=${number[doubles]} figures text_test FormatGenerated.RealsOfAnyBits
+    programs text_test && QUARN_DOUBLES=${number[doubles]} figures text_test FormatGenerated.RealsOfAnyBits
 }
 
 fuzz() {
@@ -130,6 +137,6 @@ for form in "${forms[@]}"; do
     echo "${rows[-1]}"
 done
 echo
-printf '%-10s %-34s %-9s %7s  %s\n' form done result time figure
+printf '%-10s %-34s %-9s %7s  %s\n' form 'done' result time figure
 printf '%s\n' "${rows[@]}"
 exit $status

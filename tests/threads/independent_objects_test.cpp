@@ -9,42 +9,14 @@
 #include "quarn/units/unit_names.h"
 
 #include "tests/platform/scratch_folder.h"
+#include "tests/threads/in_threads.h"
 
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 namespace {
-
-constexpr int ThreadCount = 8;
-
-// Runs the function in every thread at once; what each returned, in the threads' order.
-template<typename Function>
-std::vector<std::string> InEachThread(Function function)
-{
-    std::vector<std::string> results(ThreadCount);
-    std::vector<std::thread> threads;
-    for (int number = 0; number < ThreadCount; ++number) {
-        threads.emplace_back(
-            [&results, &function, number] { results[static_cast<std::size_t>(number)] = function(number); });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    return results;
-}
-
-template<typename Function>
-std::vector<std::string> OneAfterTheOther(Function function)
-{
-    std::vector<std::string> results;
-    for (int number = 0; number < ThreadCount; ++number) {
-        results.push_back(function(number));
-    }
-    return results;
-}
 
 Quarn::string Text(int number, int round)
 {

@@ -188,7 +188,15 @@ BOOL CopyFileA(char const* from, char const* to, BOOL failIfExists)
 BOOL CreateHardLinkA(char const* name, char const* existing, _SECURITY_ATTRIBUTES* /*security*/)
 {
     if (::linkat(AT_FDCWD, existing, AT_FDCWD, name, AT_SYMLINK_FOLLOW) == 0) {
-        return TRUE;
+        // On the device before anything that is done for the name's sake.
+        return Guarded(FALSE, [&] {
+            if (SyncFolder(name)) {
+                return TRUE;
+            }
+            BOOL const result = FailErrno();
+            ::unlink(name);
+            return result;
+        });
     }
     struct ::stat status;
     return FailPath(errno == ENOENT && ::stat(existing, &status) == 0 ? name : existing);
