@@ -5,27 +5,21 @@
 #include <cstdlib>
 #include <iostream>
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool IsSanitized = true;
+// Where programs are slow by their making, and where every process takes its time to start.
+#if defined(_WIN32)
+constexpr int Slowness = 10;
+#elif defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr int Slowness = 5;
 #else
-constexpr bool IsSanitized = false;
+constexpr int Slowness = 1;
 #endif
 
-// The number in the environment variable, else the ordinary one, of which programs that are slow by their
-// making take a fifth.
+// The number in the environment variable, else the ordinary one, or the part of it that there is time for.
 inline int Times(char const* variable, int ordinary)
 {
     char const* const text = std::getenv(variable);
     int const number = text != nullptr ? std::atoi(text) : 0;
-#if defined(_WIN32)
-    constexpr bool IsSlow = true; // every process takes its time to start
-#else
-    constexpr bool IsSlow = IsSanitized;
-#endif
-    if (number > 0) {
-        return number;
-    }
-    return IsSlow ? (ordinary + 4) / 5 : ordinary;
+    return number > 0 ? number : (ordinary + Slowness - 1) / Slowness;
 }
 
 // For the table of tests/full.sh.

@@ -29,6 +29,22 @@ bool Save(Quarn::string const& path, char digit, int number)
     return XMLPropPersist(path).Persist(&collection);
 }
 
+// Windows replaces no file that somebody reads, and a save gives up after two seconds of readers.
+bool SaveInTheEnd(Quarn::string const& path, char digit, int number)
+{
+#if defined(_WIN32)
+    constexpr int Attempts = 20;
+#else
+    constexpr int Attempts = 1;
+#endif
+    for (int i = 0; i < Attempts; ++i) {
+        if (Save(path, digit, number)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 struct Saved
 {
     char digit = '?'; // of a file that is nobody's whole document
@@ -105,7 +121,7 @@ int RunChildCommand(int count, char** arguments)
     std::string_view const command = count > 3 ? arguments[1] : "";
     if (command == "save") { // counts down to 1
         for (int i = std::atoi(arguments[4]); i > 0; --i) {
-            if (!Save(arguments[2], arguments[3][0], i)) {
+            if (!SaveInTheEnd(arguments[2], arguments[3][0], i)) {
                 return 1;
             }
             if (count > 5) {
@@ -123,6 +139,7 @@ int RunChildCommand(int count, char** arguments)
                 return saved.digit == '?' ? 1 : 2;
             }
             last->second = saved.number;
+            ::Sleep(5);
         }
         return 0;
     }

@@ -176,7 +176,7 @@ TEST(Threads, SaveAndLoadOneSettingsFile)
     Quarn::string const path = folder / "a.xml";
     ExpectTheSameInThreads([&](int number) {
         std::string all;
-        for (int round = 0; round < 5; ++round) {
+        for (int round = 0; round < 2; ++round) {
             Quarn::PropertyCollection settings("Root", "Threads");
             settings.SetValue(
                 "text", Quarn::PropertyData(Quarn::string(2000, static_cast<char>('a' + number))), true);

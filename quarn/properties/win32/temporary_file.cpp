@@ -11,7 +11,8 @@ namespace Quarn::detail {
 namespace {
 
 constexpr ULONGLONG BusyWait = 2000;
-constexpr DWORD BusyStep = 20;
+// Readers have the file open for moments alone, and a rare look would miss the moments between them.
+constexpr DWORD BusyStep = 1;
 
 void Remove(string const& name)
 {
