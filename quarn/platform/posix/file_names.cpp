@@ -189,14 +189,11 @@ BOOL CreateHardLinkA(char const* name, char const* existing, _SECURITY_ATTRIBUTE
 {
     if (::linkat(AT_FDCWD, existing, AT_FDCWD, name, AT_SYMLINK_FOLLOW) == 0) {
         // On the device before anything that is done for the name's sake.
-        return Guarded(FALSE, [&] {
-            if (SyncFolder(name)) {
-                return TRUE;
-            }
-            BOOL const result = FailErrno();
+        BOOL const isFlushed = Guarded(FALSE, [&] { return SyncFolder(name) ? TRUE : FailErrno(); });
+        if (isFlushed == FALSE) {
             ::unlink(name);
-            return result;
-        });
+        }
+        return isFlushed;
     }
     struct ::stat status;
     return FailPath(errno == ENOENT && ::stat(existing, &status) == 0 ? name : existing);
