@@ -21,6 +21,20 @@ function(quarn_set_test_options name)
   endif()
 endfunction()
 
+# quarn_run_tests(name "prefix" [property value]...): each test in a process of its own or, where processes are slow to
+# start, all in one, which leaves its results in results/<prefix><name>.xml.
+function(quarn_run_tests name prefix)
+  set(properties ${quarn_test_properties} ${ARGN})
+  if(QUARN_TESTS_BY_PROGRAM)
+    set(test ${prefix}${name})
+    add_test(NAME ${test} COMMAND ${name} --gtest_output=xml:${PROJECT_BINARY_DIR}/results/${test}.xml)
+    set_tests_properties(${test} PROPERTIES WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR} ${properties} TIMEOUT 300)
+  else()
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 TEST_PREFIX "${prefix}"
+      WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR} PROPERTIES ${properties})
+  endif()
+endfunction()
+
 function(quarn_discover_tests name)
   quarn_set_test_options(${name})
   # Half of the time that a test takes to compile is this header, so it is compiled once for all programs.
@@ -31,14 +45,15 @@ function(quarn_discover_tests name)
     target_precompile_headers(quarn_test_header PRIVATE <gtest/gtest.h>)
   endif()
   target_precompile_headers(${name} REUSE_FROM quarn_test_header)
+  get_target_property(is_unity_build quarn_objects UNITY_BUILD)
+  set_target_properties(${name} PROPERTIES UNITY_BUILD ${is_unity_build})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   target_compile_definitions(${name} PRIVATE QUARN_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data")
   if(QUARN_COVERAGE) # each program's counts in a folder of their own
     set_property(TARGET ${name} PROPERTY CROSSCOMPILING_EMULATOR
       ${CMAKE_COMMAND} -E env GCOV_PREFIX=${PROJECT_BINARY_DIR}/coverage/${name})
   endif()
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-    WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR} PROPERTIES ${quarn_test_properties})
+  quarn_run_tests(${name} "")
 endfunction()
 
 # quarn_add_test(name source...): a program linked to the library as a client is.

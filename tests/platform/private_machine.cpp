@@ -11,7 +11,7 @@
 namespace {
 
 // Where a parent has put its folder for its children.
-constexpr char const* Variable = "QUARN_TEST_MACHINE";
+constexpr char const* MachineVariable = "QUARN_TEST_MACHINE";
 
 #if defined(_WIN32)
 
@@ -74,14 +74,14 @@ class PrivateMachine
 public:
     PrivateMachine()
     {
-        char const* const inherited = std::getenv(Variable);
+        char const* const inherited = std::getenv(MachineVariable);
         m_isOwner = inherited == nullptr;
         m_root = m_isOwner ? std::filesystem::absolute("machine." + std::to_string(::GetCurrentProcessId()))
                            : std::filesystem::path(inherited);
         if (m_isOwner) {
             std::filesystem::remove_all(m_root);
             std::filesystem::create_directories(m_root / "data");
-            SetVariable(Variable, m_root.string());
+            SetVariable(MachineVariable, m_root.string());
         }
         Redirect(m_root);
     }

@@ -37,6 +37,11 @@ inline Bytes Golden(std::string const& name)
     return FileBytes(std::string(QUARN_TEST_DATA) + "/stream/" + name);
 }
 
+inline std::string TextOf(Bytes const& bytes)
+{
+    return std::string(bytes.begin(), bytes.end());
+}
+
 // What has been written to the stream up to its position.
 inline Bytes Written(Quarn::memorystream& stream)
 {

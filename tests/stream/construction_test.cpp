@@ -4,7 +4,7 @@
 #include "quarn/stream/null_stream.h"
 #include "quarn/stream/stat_stream.h"
 
-#include <type_traits>
+#include "tests/stream/makes.h"
 
 #include <gtest/gtest.h>
 
@@ -15,9 +15,6 @@ using Quarn::memorystream;
 using Quarn::nullstream;
 using Quarn::ofstream;
 using Quarn::statstream;
-
-template<typename Stream, typename... Arguments>
-constexpr bool Makes = std::is_constructible_v<Stream, Arguments...>;
 
 static_assert(Makes<memorystream> && Makes<memorystream, bool> && Makes<memorystream, memorystream const&>);
 static_assert(Makes<memorystream, int> && Makes<memorystream, unsigned long> &&

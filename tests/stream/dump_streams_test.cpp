@@ -5,6 +5,7 @@
 #include "tests/platform/scratch_folder.h"
 #include "tests/stream/bytes.h"
 #include "tests/stream/dump_record.h"
+#include "tests/stream/makes.h"
 #include "tests/stream/throws.h"
 
 #include <ios>
@@ -21,9 +22,6 @@ using Quarn::softextstream;
 using Quarn::statdumpstream;
 using Quarn::stringodumpstream;
 using Quarn::stringostream;
-
-template<typename Stream, typename... Arguments>
-constexpr bool Makes = std::is_constructible_v<Stream, Arguments...>;
 
 static_assert(std::is_base_of_v<Quarn::ofstream, sofdumpstream> &&
               std::is_base_of_v<Quarn::ofstream, softextstream> &&
@@ -45,11 +43,6 @@ static_assert(Makes<statdumpstream, bool> && !Makes<statdumpstream> && !Makes<st
 static_assert(Makes<stringostream, bool> && !Makes<stringostream> && !Makes<stringostream, int> &&
               !Makes<stringostream, char const*>);
 static_assert(Makes<stringodumpstream> && !Makes<stringodumpstream, bool>);
-
-std::string TextOf(Bytes const& bytes)
-{
-    return std::string(bytes.begin(), bytes.end());
-}
 
 std::string FileText(std::string const& path)
 {

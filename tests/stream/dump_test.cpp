@@ -20,11 +20,6 @@ namespace {
 
 using Quarn::DumpStreamIndent;
 
-std::string TextOf(Bytes const& bytes)
-{
-    return std::string(bytes.begin(), bytes.end());
-}
-
 // What `action` writes to a stream in dump mode.
 template<typename Action>
 std::string Listing(Action action)

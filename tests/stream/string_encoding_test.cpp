@@ -15,7 +15,7 @@ namespace {
 using Quarn::memorystream;
 
 template<typename Text>
-Bytes StoredAs(Text const& text)
+Bytes EncodedAs(Text const& text)
 {
     FakeOutput stream;
     stream << text;
@@ -43,23 +43,23 @@ std::string Digits()
 
 TEST(StringEncoding, HasItsDocumentedBytes)
 {
-    EXPECT_EQ(StoredAs(Quarn::string()), Hex("FF FF FF FF 00 00 00 00 FF FF FF FF"));
-    EXPECT_EQ(StoredAs(Quarn::string("ab")), Hex("FF FF FF FF 02 00 00 00 FD FF FF FF 61 62"));
+    EXPECT_EQ(EncodedAs(Quarn::string()), Hex("FF FF FF FF 00 00 00 00 FF FF FF FF"));
+    EXPECT_EQ(EncodedAs(Quarn::string("ab")), Hex("FF FF FF FF 02 00 00 00 FD FF FF FF 61 62"));
 }
 
 TEST(StringEncoding, IsTheSameForEveryTextType)
 {
-    Bytes const expected = StoredAs(Quarn::string("ab"));
-    EXPECT_EQ(StoredAs(std::string("ab")), expected);
-    EXPECT_EQ(StoredAs("ab"), expected);
+    Bytes const expected = EncodedAs(Quarn::string("ab"));
+    EXPECT_EQ(EncodedAs(std::string("ab")), expected);
+    EXPECT_EQ(EncodedAs("ab"), expected);
     char array[] = "ab";
-    EXPECT_EQ(StoredAs(static_cast<char*>(array)), expected);
+    EXPECT_EQ(EncodedAs(static_cast<char*>(array)), expected);
 }
 
 TEST(StringEncoding, ANullTextIsEmpty)
 {
     char const* const none = nullptr;
-    EXPECT_EQ(StoredAs(none), StoredAs(""));
+    EXPECT_EQ(EncodedAs(none), EncodedAs(""));
 }
 
 TEST(StringEncoding, WritesAndReadsTheGoldenFile)
@@ -105,19 +105,19 @@ TEST(StringEncoding, ReadsBackTextsAroundEveryBufferSize)
          {1U, 15U, 16U, 1022U, 1023U, 1024U, 1025U, 2000U, 65535U, 65536U, 65537U, 98304U, 98305U, 200000U}) {
         Quarn::string text(size, 'x');
         text[size / 2] = 'y';
-        EXPECT_EQ(ReadText(StoredAs(text)), text) << size;
+        EXPECT_EQ(ReadText(EncodedAs(text)), text) << size;
     }
 }
 
 TEST(StringEncoding, StoresAnEmbeddedZeroAndDeliberatelyReadsOnlyTheTextBeforeIt)
 {
     std::string const text("a\0b", 3);
-    EXPECT_EQ(StoredAs(text), Hex("FF FF FF FF 03 00 00 00 FC FF FF FF 61 00 62"));
-    EXPECT_EQ(ReadText(StoredAs(text)), "a");
+    EXPECT_EQ(EncodedAs(text), Hex("FF FF FF FF 03 00 00 00 FC FF FF FF 61 00 62"));
+    EXPECT_EQ(ReadText(EncodedAs(text)), "a");
     for (std::size_t const size : {5000U, 100000U}) {
         std::string wide(size, 'x');
         wide[4000] = '\0';
-        EXPECT_EQ(ReadText(StoredAs(wide)).size(), 4000U) << size;
+        EXPECT_EQ(ReadText(EncodedAs(wide)).size(), 4000U) << size;
     }
     EXPECT_EQ(ReadText(Hex("01 00 00 00 FE FF FF FF 00")), "");
 }
@@ -145,12 +145,12 @@ TEST(StringEncoding, AMarkerInPlaceOfTheLengthIsALengthInTheCurrentFormat)
 
 TEST(StringEncoding, ReadsBodiesUpTo64KiBAtOnceAndLongerOnesInPieces)
 {
-    FakeInput shorter(StoredAs(std::string(65536, 'x')));
+    FakeInput shorter(EncodedAs(std::string(65536, 'x')));
     std::string text;
     shorter >> text;
     EXPECT_EQ(shorter.Calls().back(), 65536U);
 
-    FakeInput longer(StoredAs(std::string(65537, 'x')));
+    FakeInput longer(EncodedAs(std::string(65537, 'x')));
     longer >> text;
     EXPECT_EQ(text, std::string(65537, 'x'));
     for (std::size_t const call : longer.Calls()) {
@@ -160,7 +160,7 @@ TEST(StringEncoding, ReadsBodiesUpTo64KiBAtOnceAndLongerOnesInPieces)
 
 TEST(StringEncoding, CutAnywhereIsAGenericRead)
 {
-    Bytes const whole = StoredAs("abc");
+    Bytes const whole = EncodedAs("abc");
     for (std::size_t size = 0; size < whole.size(); ++size) {
         FakeInput stream(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)));
         std::string text = "old";
@@ -171,7 +171,7 @@ TEST(StringEncoding, CutAnywhereIsAGenericRead)
 
 TEST(StringEncoding, OutOfSpaceAnywhereIsAGenericWrite)
 {
-    Bytes const whole = StoredAs("abc");
+    Bytes const whole = EncodedAs("abc");
     for (std::size_t room = 0; room < whole.size(); ++room) {
         FakeOutput stream(false, room);
         EXPECT_EQ(ThrownText([&] { stream << "abc"; }), "Generic Write") << room;
@@ -206,7 +206,7 @@ TEST(StringEncoding, ACTextIsWrittenAsTheStringOfIt)
 {
     UpperOutput stream;
     static_cast<Quarn::ostream&>(stream) << "ab";
-    EXPECT_EQ(stream.Taken(), StoredAs("AB"));
+    EXPECT_EQ(stream.Taken(), EncodedAs("AB"));
 }
 
 TEST(StringList, ReadsTheGoldenFile)

@@ -17,30 +17,30 @@ using Quarn::Time;
 using Quarn::TimeSpan;
 using Quarn::TimeValue;
 
-constexpr std::uint64_t minute = TimeValue::MaxFractionValue;
+constexpr std::uint64_t MinuteUnits = TimeValue::MaxFractionValue;
 
 // A duration in order as one number of fraction units, below 2^63.
 std::uint64_t Units(TimeValue const& value)
 {
-    return value.GetMinutes() * minute + value.GetFraction();
+    return value.GetMinutes() * MinuteUnits + value.GetFraction();
 }
 
 TimeValue FromUnits(std::uint64_t units)
 {
-    return {static_cast<std::uint32_t>(units / minute), static_cast<std::uint32_t>(units % minute)};
+    return {static_cast<std::uint32_t>(units / MinuteUnits), static_cast<std::uint32_t>(units % MinuteUnits)};
 }
 
 // Durations of every order of magnitude.
 TimeValue Random(std::mt19937& random)
 {
     auto const minutes = static_cast<std::uint32_t>(random()) >> random() % 32;
-    auto const fraction = static_cast<std::uint32_t>(random() % minute) >> random() % 31;
+    auto const fraction = static_cast<std::uint32_t>(random() % MinuteUnits) >> random() % 31;
     return {minutes, fraction};
 }
 
 TEST(TimeValueModel, OperationsAreThoseOfOneNumberOfUnits)
 {
-    constexpr std::uint64_t range = minute << 32U; // where minutes start again
+    constexpr std::uint64_t range = MinuteUnits << 32U; // where minutes start again
     std::mt19937 random(8);
     TimeValue value = Random(random);
     for (int i = 0; i < 200000; ++i) {
@@ -65,7 +65,7 @@ TEST(TimeValueModel, MultiplesAreThoseOfTheWholeSeconds)
     std::mt19937 random(9);
     for (int i = 0; i < 100000; ++i) {
         TimeValue const value(static_cast<std::uint32_t>(random() % 1000000),
-                              static_cast<std::uint32_t>(random() % minute));
+                              static_cast<std::uint32_t>(random() % MinuteUnits));
         unsigned const n = random() % 1000;
         std::uint64_t const seconds =
             (std::uint64_t{value.GetMinutes()} * 60 + value.GetFraction() / TimeValue::SecondValue) * n;

@@ -5,6 +5,8 @@
 #include "quarn/units/velocity.h"
 #include "quarn/units/volume.h"
 
+#include "tests/units/unit_of.h"
+
 #include <bit>
 #include <climits>
 #include <cmath>
@@ -82,11 +84,6 @@ constexpr std::int64_t Lengths[UnitCount] = {
     16'093'440'000'000,
     10'000'000'000,
 };
-
-Distance::Unit UnitOf(int number)
-{
-    return static_cast<Distance::Unit>(number);
-}
 
 // The distance as a number of another unit.
 float In(Distance::Unit unit, Distance const& distance)

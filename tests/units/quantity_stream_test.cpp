@@ -11,6 +11,7 @@
 #include "tests/stream/fake_streams.h"
 #include "tests/stream/run_length_compressor.h"
 #include "tests/stream/throws.h"
+#include "tests/units/unit_of.h"
 
 #include <bit>
 #include <climits>
@@ -31,11 +32,6 @@ using Velocity = Quarn::Velocity<float>;
 constexpr Distance Mile{Distance::Mile, 1.5F};
 constexpr Velocity Speed{{Distance::Foot, 3}, -0.25F};
 constexpr InverseDistance Lines{Distance::Millimeter, 1609.344F};
-
-Distance::Unit UnitOf(std::int32_t number)
-{
-    return static_cast<Distance::Unit>(number);
-}
 
 void ExpectSame(Distance const& left, Distance const& right)
 {

@@ -12,6 +12,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+constexpr char const* TestKeyPath = "Software\\QuarnUtilTest";
+
 // A folder with a registry in it.
 class RegistryFolder
 {

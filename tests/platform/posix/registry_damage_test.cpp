@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr char const* Path = "Software\\QuarnUtilTest";
-
 void Write(std::filesystem::path const& file, std::string const& content)
 {
     std::filesystem::create_directories(file.parent_path());
@@ -21,7 +19,7 @@ void Write(std::filesystem::path const& file, std::string const& content)
 int Fill()
 {
     HKEY key = nullptr;
-    long code = CreateKey(HKEY_CURRENT_USER, Path, key);
+    long code = CreateKey(HKEY_CURRENT_USER, TestKeyPath, key);
     for (int i = 0; code == 0 && i < 1000; ++i) {
         std::string const name = Numbered("v", i);
         code = SetText(key, name.c_str(), name);
@@ -34,7 +32,7 @@ int Fill()
 int UseAll()
 {
     HKEY key = nullptr;
-    if (CreateKey(HKEY_CURRENT_USER, Path, key) == 0) {
+    if (CreateKey(HKEY_CURRENT_USER, TestKeyPath, key) == 0) {
         ValueNames(key);
         SubKeyNames(key);
         CountNumbered(key, "v", 1000);
@@ -59,12 +57,12 @@ TEST(RegistryDamage, AForeignFileIsRefusedAndLeftAsItIs)
         Write(folder.UserFile(), content);
         EXPECT_EQ(folder.Run([] {
             HKEY key = nullptr;
-            bool const refused = CreateKey(HKEY_CURRENT_USER, Path, key) == 1017 &&
-                                 OpenKey(HKEY_CURRENT_USER, Path, key) == 1017 &&
+            bool const refused = CreateKey(HKEY_CURRENT_USER, TestKeyPath, key) == 1017 &&
+                                 OpenKey(HKEY_CURRENT_USER, TestKeyPath, key) == 1017 &&
                                  Query(HKEY_CURRENT_USER, "v", 10).code == 1017 &&
                                  SetText(HKEY_CURRENT_USER, "v", "text") == 1017 &&
                                  ::RegDeleteValueA(HKEY_CURRENT_USER, "v") == 1017 &&
-                                 ::RegDeleteKeyA(HKEY_CURRENT_USER, Path) == 1017;
+                                 ::RegDeleteKeyA(HKEY_CURRENT_USER, TestKeyPath) == 1017;
             return refused && UseAll() == 0;
         }),
                   1);
@@ -98,7 +96,7 @@ TEST(RegistryDamage, DamagedBytesGiveCodesAndNoCrash)
         if (!damaged.empty() && damaged.size() + 4096 <= whole.size()) {
             EXPECT_EQ(folder.Run([] {
                 HKEY key = nullptr;
-                long const code = CreateKey(HKEY_CURRENT_USER, Path, key);
+                long const code = CreateKey(HKEY_CURRENT_USER, TestKeyPath, key);
                 return code == 1015 || code == 1017;
             }),
                       1)
@@ -155,7 +153,7 @@ TEST(RegistryDamage, WhatIsNoLogBesideTheFileIsNoPartOfIt)
         Write(folder.UserFile().string() + "-wal", log);
         EXPECT_EQ(folder.Run([] {
             HKEY key = nullptr;
-            OpenKey(HKEY_CURRENT_USER, Path, key);
+            OpenKey(HKEY_CURRENT_USER, TestKeyPath, key);
             return CountNumbered(key, "v", 1000) == 1000 && SetText(key, "v", "text") == 0;
         }),
                   1);
@@ -169,7 +167,7 @@ TEST(RegistryDamage, AFileThatCannotGrowGivesACodeAndLosesNothingThatWasWritten)
     ASSERT_EQ(folder.Run(Fill), 0);
     int const written = folder.Run([] {
         HKEY key = nullptr;
-        OpenKey(HKEY_CURRENT_USER, Path, key);
+        OpenKey(HKEY_CURRENT_USER, TestKeyPath, key);
         ::signal(SIGXFSZ, SIG_IGN);
         rlimit const limit = {400000, 400000};
         ::setrlimit(RLIMIT_FSIZE, &limit);
@@ -183,7 +181,7 @@ TEST(RegistryDamage, AFileThatCannotGrowGivesACodeAndLosesNothingThatWasWritten)
     ASSERT_LT(written, 200);
     EXPECT_EQ(folder.Run([&] {
         HKEY key = nullptr;
-        OpenKey(HKEY_CURRENT_USER, Path, key);
+        OpenKey(HKEY_CURRENT_USER, TestKeyPath, key);
         int whole = 0;
         for (int i = 0; i < written; ++i) {
             whole += DataOf(key, Numbered("big", i).c_str()) == std::string(10000, 'b') + '\0' ? 1 : 0;
@@ -200,7 +198,7 @@ TEST(RegistryDamage, AFileOfALaterVersionIsRefused)
     std::string content = ContentOf(folder.UserFile());
     content[63] = 2; // the user version of the file's header
     Write(folder.UserFile(), content);
-    EXPECT_EQ(folder.Run([] { return TryOpen(HKEY_CURRENT_USER, Path) == 1017; }), 1);
+    EXPECT_EQ(folder.Run([] { return TryOpen(HKEY_CURRENT_USER, TestKeyPath) == 1017; }), 1);
     EXPECT_EQ(ContentOf(folder.UserFile()), content);
 }
 
@@ -210,7 +208,8 @@ TEST(RegistryDamage, AFolderInTheFilesPlaceGivesACode)
     std::filesystem::create_directories(folder.UserFile() / "not empty");
     EXPECT_EQ(folder.Run([] {
         HKEY key = nullptr;
-        return CreateKey(HKEY_CURRENT_USER, Path, key) == 5 && Query(HKEY_CURRENT_USER, "v", 4).code == 5;
+        return CreateKey(HKEY_CURRENT_USER, TestKeyPath, key) == 5 &&
+               Query(HKEY_CURRENT_USER, "v", 4).code == 5;
     }),
               1);
     EXPECT_TRUE(std::filesystem::exists(folder.UserFile() / "not empty"));
@@ -222,7 +221,7 @@ TEST(RegistryDamage, AFileInTheFoldersPlaceGivesACode)
     Write(folder.UserFile().parent_path(), "content");
     EXPECT_EQ(folder.Run([] {
         HKEY key = nullptr;
-        return CreateKey(HKEY_CURRENT_USER, Path, key) == 3;
+        return CreateKey(HKEY_CURRENT_USER, TestKeyPath, key) == 3;
     }),
               1);
     EXPECT_EQ(ContentOf(folder.UserFile().parent_path()), "content");
@@ -232,11 +231,11 @@ TEST(RegistryDamage, ReadingMakesNoFile)
 {
     RegistryFolder const folder;
     EXPECT_EQ(folder.Run([] {
-        return TryOpen(HKEY_CURRENT_USER, Path) == 2 && TryOpen(HKEY_LOCAL_MACHINE, Path) == 2 &&
-               Query(HKEY_LOCAL_MACHINE, "v", 4).code == 2 && SubKeyNames(HKEY_CURRENT_USER).empty() &&
-               ValueNames(HKEY_LOCAL_MACHINE).empty() && TryOpen(HKEY_LOCAL_MACHINE, "") == 0 &&
-               ::RegDeleteValueA(HKEY_CURRENT_USER, "v") == 2 &&
-               ::RegDeleteKeyA(HKEY_CURRENT_USER, Path) == 2;
+        return TryOpen(HKEY_CURRENT_USER, TestKeyPath) == 2 &&
+               TryOpen(HKEY_LOCAL_MACHINE, TestKeyPath) == 2 && Query(HKEY_LOCAL_MACHINE, "v", 4).code == 2 &&
+               SubKeyNames(HKEY_CURRENT_USER).empty() && ValueNames(HKEY_LOCAL_MACHINE).empty() &&
+               TryOpen(HKEY_LOCAL_MACHINE, "") == 0 && ::RegDeleteValueA(HKEY_CURRENT_USER, "v") == 2 &&
+               ::RegDeleteKeyA(HKEY_CURRENT_USER, TestKeyPath) == 2;
     }),
               1);
     EXPECT_FALSE(std::filesystem::exists(folder.UserFile()));
@@ -247,7 +246,7 @@ TEST(RegistryDamage, AnEmptyFileIsANewRegistry)
 {
     RegistryFolder const folder;
     Write(folder.UserFile(), "");
-    EXPECT_EQ(folder.Run([] { return MakeKey(HKEY_CURRENT_USER, Path); }), 0);
+    EXPECT_EQ(folder.Run([] { return MakeKey(HKEY_CURRENT_USER, TestKeyPath); }), 0);
 }
 
 TEST(RegistryDamage, AReadOnlyFileCanBeReadAndNotWritten)
@@ -259,7 +258,7 @@ TEST(RegistryDamage, AReadOnlyFileCanBeReadAndNotWritten)
         std::filesystem::create_directory(folder.MachineFolder());
         ASSERT_EQ(folder.Run([&] {
             HKEY key = nullptr;
-            CreateKey(root, Path, key);
+            CreateKey(root, TestKeyPath, key);
             std::exit(static_cast<int>(SetText(key, "v", "text")));
             return 0;
         }),
@@ -268,10 +267,10 @@ TEST(RegistryDamage, AReadOnlyFileCanBeReadAndNotWritten)
         std::string const content = ContentOf(file);
         EXPECT_EQ(folder.Run([&] {
             HKEY key = nullptr;
-            return OpenKey(root, Path, key, KEY_READ) == 0 && DataOf(key, "v") == std::string("text\0", 5) &&
-                   ValueNames(key).size() == 1 && TryOpen(root, Path, KEY_WRITE) == 5 &&
-                   CreateKey(root, "new", key) == 5 && SetText(root, "v", "text") == 5 &&
-                   ::RegDeleteKeyA(root, Path) == 5;
+            return OpenKey(root, TestKeyPath, key, KEY_READ) == 0 &&
+                   DataOf(key, "v") == std::string("text\0", 5) && ValueNames(key).size() == 1 &&
+                   TryOpen(root, TestKeyPath, KEY_WRITE) == 5 && CreateKey(root, "new", key) == 5 &&
+                   SetText(root, "v", "text") == 5 && ::RegDeleteKeyA(root, TestKeyPath) == 5;
         }),
                   1);
         EXPECT_EQ(ContentOf(file), content);
@@ -284,7 +283,7 @@ TEST(RegistryDamage, TheMachinesFileIsForEverybodyToRead)
     std::filesystem::create_directory(folder.MachineFolder());
     ASSERT_EQ(folder.Run([] {
         ::umask(077);
-        return MakeKey(HKEY_LOCAL_MACHINE, Path);
+        return MakeKey(HKEY_LOCAL_MACHINE, TestKeyPath);
     }),
               0);
     using std::filesystem::perms;

@@ -9,12 +9,10 @@
 
 namespace {
 
-constexpr char const* Path = "Software\\QuarnUtilTest";
-
 int WriteThousand(HKEY root, std::string const& prefix)
 {
     HKEY key = nullptr;
-    if (CreateKey(root, Path, key) != 0) {
+    if (CreateKey(root, TestKeyPath, key) != 0) {
         return 1;
     }
     for (int i = 0; i < 1000; ++i) {
@@ -29,7 +27,7 @@ int WriteThousand(HKEY root, std::string const& prefix)
 int CountThousands(HKEY root)
 {
     HKEY key = nullptr;
-    if (OpenKey(root, Path, key, KEY_READ) != 0) {
+    if (OpenKey(root, TestKeyPath, key, KEY_READ) != 0) {
         return 100;
     }
     int whole = 0;
@@ -65,7 +63,7 @@ TEST(RegistryProcesses, NoneIsLostOfTheMachineEither)
         for (char const* const prefix : {"a", "b", "c", "d"}) {
             children.push_back(folder.Start([&] {
                 HKEY key = nullptr;
-                long code = CreateKey(HKEY_LOCAL_MACHINE, Path, key);
+                long code = CreateKey(HKEY_LOCAL_MACHINE, TestKeyPath, key);
                 for (int i = 0; code == 0 && i < count; ++i) {
                     std::string const name = Numbered(prefix, i);
                     code = SetText(key, name.c_str(), name);
@@ -80,7 +78,7 @@ TEST(RegistryProcesses, NoneIsLostOfTheMachineEither)
         EXPECT_EQ(std::filesystem::exists(folder.UserFile().parent_path() / "machine.db"), !hasFolder);
         EXPECT_EQ(folder.Run([] {
             HKEY key = nullptr;
-            OpenKey(HKEY_LOCAL_MACHINE, Path, key, KEY_READ);
+            OpenKey(HKEY_LOCAL_MACHINE, TestKeyPath, key, KEY_READ);
             return CountNumbered(key, "a", count) + CountNumbered(key, "b", count) +
                    CountNumbered(key, "c", count) + CountNumbered(key, "d", count);
         }),
@@ -111,7 +109,7 @@ TEST(RegistryProcesses, AKilledWriterLosesAtMostTheWriteInFlight)
         ASSERT_EQ(::pipe(written), 0);
         pid_t const child = folder.Start([&] {
             HKEY key = nullptr;
-            CreateKey(HKEY_CURRENT_USER, Path, key);
+            CreateKey(HKEY_CURRENT_USER, TestKeyPath, key);
             for (int i = 0; i < 1000000; ++i) {
                 std::string const name = Numbered("v", i % 1000);
                 if (SetText(key, name.c_str(), name) != 0 || ::write(written[1], "x", 1) != 1) {
@@ -137,7 +135,7 @@ TEST(RegistryProcesses, AKilledWriterLosesAtMostTheWriteInFlight)
         int const acknowledged = static_cast<int>(std::min<std::size_t>(done.size(), 1000));
         EXPECT_EQ(folder.Run([&] {
             HKEY key = nullptr;
-            return OpenKey(HKEY_CURRENT_USER, Path, key, KEY_ALL_ACCESS) == 0 &&
+            return OpenKey(HKEY_CURRENT_USER, TestKeyPath, key, KEY_ALL_ACCESS) == 0 &&
                    CountNumbered(key, "v", acknowledged) == acknowledged &&
                    static_cast<int>(ValueNames(key).size()) <= acknowledged + 1 &&
                    SetText(key, "next", "next") == 0;
@@ -155,7 +153,7 @@ TEST(RegistryProcesses, AChangeByOneIsSeenByTheOther)
     ASSERT_EQ(::pipe(toParent), 0);
     pid_t const child = folder.Start([&] {
         HKEY key = nullptr;
-        bool good = CreateKey(HKEY_CURRENT_USER, Path, key) == 0 && SetText(key, "one", "1") == 0 &&
+        bool good = CreateKey(HKEY_CURRENT_USER, TestKeyPath, key) == 0 && SetText(key, "one", "1") == 0 &&
                     SetText(key, "two", "2") == 0 && MakeKey(key, "k2") == 0;
         // The lists are known before the other one changes them.
         good = good && ValueNames(key).size() == 2 && SubKeyNames(key).size() == 1;
@@ -169,7 +167,7 @@ TEST(RegistryProcesses, AChangeByOneIsSeenByTheOther)
     ASSERT_EQ(::read(toParent[0], &c, 1), 1);
     EXPECT_EQ(folder.Run([] {
         HKEY key = nullptr;
-        OpenKey(HKEY_CURRENT_USER, Path, key);
+        OpenKey(HKEY_CURRENT_USER, TestKeyPath, key);
         return SetText(key, "three", "3") + SetText(key, "two", "new") + ::RegDeleteValueA(key, "one") +
                MakeKey(key, "k1");
     }),
@@ -186,7 +184,7 @@ TEST(RegistryProcesses, AForkedChildAndItsParentBothGoOn)
     RegistryFolder const folder;
     EXPECT_EQ(folder.Run([] {
         HKEY key = nullptr;
-        if (CreateKey(HKEY_CURRENT_USER, Path, key) != 0 || SetText(key, "before", "before") != 0) {
+        if (CreateKey(HKEY_CURRENT_USER, TestKeyPath, key) != 0 || SetText(key, "before", "before") != 0) {
             return 1;
         }
         std::vector<pid_t> children;
@@ -222,7 +220,7 @@ TEST(RegistryProcesses, AForkedChildAndItsParentBothGoOn)
     // What the parent's end left behind is whole.
     EXPECT_EQ(folder.Run([] {
         HKEY key = nullptr;
-        OpenKey(HKEY_CURRENT_USER, Path, key, KEY_READ);
+        OpenKey(HKEY_CURRENT_USER, TestKeyPath, key, KEY_READ);
         return CountNumbered(key, "a", 200) == 200 && CountNumbered(key, "b", 200) == 200 &&
                CountNumbered(key, "c", 200) == 200;
     }),
@@ -233,7 +231,7 @@ TEST(RegistryProcesses, ANormalEndLeavesOneFile)
 {
     RegistryFolder const folder;
     pid_t const child = folder.Start([] {
-        std::exit(static_cast<int>(MakeKey(HKEY_CURRENT_USER, Path)));
+        std::exit(static_cast<int>(MakeKey(HKEY_CURRENT_USER, TestKeyPath)));
         return 0;
     });
     EXPECT_EQ(RegistryFolder::Wait(child), 0);
@@ -256,7 +254,7 @@ TEST(RegistryProcesses, ThreadsShareTheRegistryWithoutLoss)
         for (int t = 0; t < 4; ++t) {
             threads.emplace_back([t, &failures] {
                 HKEY key = nullptr;
-                failures += CreateKey(HKEY_CURRENT_USER, Path, key) != 0 ? 1 : 0;
+                failures += CreateKey(HKEY_CURRENT_USER, TestKeyPath, key) != 0 ? 1 : 0;
                 std::string const prefix(1, static_cast<char>('a' + t));
                 for (int i = 0; i < 250; ++i) {
                     std::string const name = Numbered(prefix, i);
@@ -270,7 +268,7 @@ TEST(RegistryProcesses, ThreadsShareTheRegistryWithoutLoss)
             thread.join();
         }
         HKEY key = nullptr;
-        OpenKey(HKEY_CURRENT_USER, Path, key, KEY_READ);
+        OpenKey(HKEY_CURRENT_USER, TestKeyPath, key, KEY_READ);
         return failures == 0 && ValueNames(key).size() == 1000 ? 0 : 1;
     }),
               0);

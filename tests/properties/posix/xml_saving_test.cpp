@@ -19,7 +19,7 @@ using Quarn::PropertyCollection;
 using Quarn::PropertyData;
 using Quarn::Win32::XMLPropPersist;
 
-bool Save(Quarn::string const& path, std::string const& text)
+bool SaveText(Quarn::string const& path, std::string const& text)
 {
     PropertyCollection collection("Root", "Quarn_Properties");
     collection.SetValue("text", PropertyData(text), true);
@@ -38,15 +38,15 @@ using Names = std::set<std::string>;
 TEST(XmlSavingOnPosix, KeepsModeAndOwner)
 {
     ScratchFolder const scratch;
-    ASSERT_TRUE(Save(scratch / "a.xml", "1"));
+    ASSERT_TRUE(SaveText(scratch / "a.xml", "1"));
     for (::mode_t const mode : {0600U, 0640U, 0666U, 0664U}) {
         ASSERT_EQ(::chmod((scratch / "a.xml").c_str(), mode), 0);
-        EXPECT_TRUE(Save(scratch / "a.xml", "2"));
+        EXPECT_TRUE(SaveText(scratch / "a.xml", "2"));
         EXPECT_EQ(Status(scratch / "a.xml").st_mode & 07777U, mode);
     }
     if (::geteuid() == 0) {
         ASSERT_EQ(::chown((scratch / "a.xml").c_str(), 12345, 54321), 0);
-        EXPECT_TRUE(Save(scratch / "a.xml", "3"));
+        EXPECT_TRUE(SaveText(scratch / "a.xml", "3"));
         EXPECT_EQ(Status(scratch / "a.xml").st_uid, 12345U);
         EXPECT_EQ(Status(scratch / "a.xml").st_gid, 54321U);
     }
@@ -56,12 +56,12 @@ TEST(XmlSavingOnPosix, FollowsSymbolicLinks)
 {
     ScratchFolder const scratch;
     std::filesystem::create_directory(std::string(scratch / "real"));
-    ASSERT_TRUE(Save(scratch / "real/a.xml", "1"));
+    ASSERT_TRUE(SaveText(scratch / "real/a.xml", "1"));
     std::filesystem::create_symlink("real/a.xml", std::string(scratch / "link.xml"));
     std::filesystem::create_symlink("link.xml", std::string(scratch / "second.xml"));
     std::filesystem::create_directory_symlink("real", std::string(scratch / "folder"));
     for (char const* const name : {"link.xml", "second.xml", "folder/a.xml", "folder/new.xml"}) {
-        EXPECT_TRUE(Save(scratch / name, name)) << name;
+        EXPECT_TRUE(SaveText(scratch / name, name)) << name;
     }
     EXPECT_TRUE(S_ISLNK(Status(scratch / "link.xml").st_mode));
     EXPECT_TRUE(S_ISLNK(Status(scratch / "second.xml").st_mode));
@@ -81,12 +81,12 @@ TEST(XmlSavingOnPosix, ALinkThatLeadsNowhereYetGetsItsFile)
                                     scratch / "absolute.xml");
     std::filesystem::create_symlink("missing/c.xml", scratch / "lost.xml");
     std::filesystem::create_symlink("loop.xml", scratch / "loop.xml");
-    EXPECT_TRUE(Save(scratch / "second.xml", "1"));
+    EXPECT_TRUE(SaveText(scratch / "second.xml", "1"));
     EXPECT_NE(ContentOf(scratch / "real/a.xml").find(">1<"), std::string::npos);
-    EXPECT_TRUE(Save(scratch / "absolute.xml", "2"));
+    EXPECT_TRUE(SaveText(scratch / "absolute.xml", "2"));
     EXPECT_NE(ContentOf(scratch / "real/b.xml").find(">2<"), std::string::npos);
-    EXPECT_FALSE(Save(scratch / "lost.xml", "3"));
-    EXPECT_FALSE(Save(scratch / "loop.xml", "4"));
+    EXPECT_FALSE(SaveText(scratch / "lost.xml", "3"));
+    EXPECT_FALSE(SaveText(scratch / "loop.xml", "4"));
     for (char const* const name : {"link.xml", "second.xml", "absolute.xml", "lost.xml", "loop.xml"}) {
         EXPECT_TRUE(S_ISLNK(Status(scratch / name).st_mode)) << name;
     }
@@ -100,14 +100,14 @@ TEST(XmlSavingOnPosix, KeepsTheGroupWhereTheOwnerCannotBeKept)
         return; // nobody else can make a file of another owner
     }
     ScratchFolder const scratch;
-    ASSERT_TRUE(Save(scratch / "a.xml", "1"));
+    ASSERT_TRUE(SaveText(scratch / "a.xml", "1"));
     ASSERT_EQ(::chmod((scratch / "a.xml").c_str(), 0660), 0);
     ASSERT_EQ(::chown((scratch / "a.xml").c_str(), 12345, 54321), 0);
     EXPECT_TRUE(InChild([&scratch] {
         ::gid_t const group = 54321;
         EXPECT_EQ(::setgroups(1, &group), 0);
         GiveUp(1U << CAP_CHOWN);
-        return Save(scratch / "a.xml", "2");
+        return SaveText(scratch / "a.xml", "2");
     }));
     struct ::stat const status = Status(scratch / "a.xml");
     EXPECT_EQ(status.st_uid, 0U);
@@ -120,7 +120,7 @@ TEST(XmlSavingOnPosix, ADeviceIsNotReplaced)
     ScratchFolder const scratch;
     std::filesystem::create_symlink("/dev/null", std::string(scratch / "null.xml"));
     struct ::stat const before = Status("/dev/null");
-    EXPECT_FALSE(Save(scratch / "null.xml", "x"));
+    EXPECT_FALSE(SaveText(scratch / "null.xml", "x"));
     EXPECT_EQ(Status("/dev/null").st_ino, before.st_ino);
     PropertyCollection collection;
     EXPECT_FALSE(XMLPropPersist(scratch / "null.xml").Populate(&collection));
@@ -129,12 +129,12 @@ TEST(XmlSavingOnPosix, ADeviceIsNotReplaced)
 TEST(XmlSavingOnPosix, WithoutSpaceTheOldFileStays)
 {
     ScratchFolder const scratch;
-    ASSERT_TRUE(Save(scratch / "a.xml", "old"));
+    ASSERT_TRUE(SaveText(scratch / "a.xml", "old"));
     std::string const old = ContentOf(scratch / "a.xml");
     EXPECT_TRUE(InChild([&scratch] {
         LimitFileSize(1000);
-        return !Save(scratch / "a.xml", std::string(5000, 'x')) &&
-               !Save(scratch / "new.xml", std::string(5000, 'x')) && Save(scratch / "b.xml", "short");
+        return !SaveText(scratch / "a.xml", std::string(5000, 'x')) &&
+               !SaveText(scratch / "new.xml", std::string(5000, 'x')) && Save(scratch / "b.xml", "short");
     }));
     EXPECT_EQ(ContentOf(scratch / "a.xml"), old);
     EXPECT_EQ(scratch.Names(), (Names{"a.xml", "b.xml"}));
@@ -149,7 +149,7 @@ protected:
         std::filesystem::create_directory(std::string(m_scratch / "folder"));
         std::filesystem::create_directory(std::string(m_scratch / "data"));
         m_path = m_scratch / "folder/a.xml";
-        ASSERT_TRUE(Save(m_path, "old"));
+        ASSERT_TRUE(SaveText(m_path, "old"));
         m_old = ContentOf(m_path);
         m_inode = Status(m_path).st_ino;
         ASSERT_EQ(::chmod((m_scratch / "folder").c_str(), 0555), 0);
@@ -164,7 +164,7 @@ protected:
             ::setenv("XDG_DATA_HOME", data.c_str(), 1);
             GiveUpOverrides();
             prepare();
-            return Save(m_path, text);
+            return SaveText(m_path, text);
         });
     }
 
@@ -228,14 +228,14 @@ TEST_F(XmlSavingInPlace, AMissingFileIsNotCreated)
 {
     EXPECT_TRUE(InChild([this] {
         GiveUpOverrides();
-        return !Save(m_scratch / "folder/new.xml", "new");
+        return !SaveText(m_scratch / "folder/new.xml", "new");
     }));
 }
 
 TEST(XmlSavingOnPosix, AFileThatMayNotBeReadGetsASecondName)
 {
     ScratchFolder const scratch;
-    ASSERT_TRUE(Save(scratch / "a.xml", "old"));
+    ASSERT_TRUE(SaveText(scratch / "a.xml", "old"));
     std::string const old = ContentOf(scratch / "a.xml");
     ASSERT_EQ(::chmod((scratch / "a.xml").c_str(), 0200), 0);
     EXPECT_TRUE(InChild([&scratch] {
