@@ -23,7 +23,7 @@ using Quarn::Int64ToUInt32;
 
 #if defined(_WIN32)
 
-char const* const g_message = "Int64 Conversion Error, quarn/text/narrowing.h: 488";
+char const* const BoxMessage = "Int64 Conversion Error, quarn/text/narrowing.h: 488";
 
 struct Box
 {
@@ -53,7 +53,7 @@ BOOL CALLBACK NoteChild(HWND child, LPARAM target)
 void DismissBox(Box& box)
 {
     for (int i = 0; i < 6000 && !box.isFound; ++i) {
-        HWND const window = ::FindWindowA("#32770", g_message);
+        HWND const window = ::FindWindowA("#32770", BoxMessage);
         if (window == nullptr || !::IsWindowVisible(window)) {
             ::Sleep(10);
             continue;
@@ -81,7 +81,7 @@ TEST(NarrowingBox, ShowsOneModalBoxWithAStopIconAndOneButtonAndGoesOn)
     dismisser.join();
     EXPECT_EQ(result, 5U);
     ASSERT_TRUE(box.isFound);
-    EXPECT_EQ(box.text, g_message);
+    EXPECT_EQ(box.text, BoxMessage);
     EXPECT_EQ(box.owner, nullptr);
     EXPECT_EQ(box.buttons, 1);
     EXPECT_EQ(box.icon, ::LoadIconA(nullptr, IDI_HAND));

@@ -17,7 +17,7 @@ using Quarn::Int64ToUInt32;
 
 static_assert(std::is_same_v<decltype(Int64ToUInt32(0, "", 0)), unsigned int>);
 
-char const* const g_message = "Int64 Conversion Error, quarn/text/narrowing.h: 488";
+char const* const Message = "Int64 Conversion Error, quarn/text/narrowing.h: 488";
 
 std::vector<std::string> g_reports;
 std::thread::id g_reportingThread;
@@ -80,7 +80,7 @@ TEST_F(Narrowing, MessageDeliberatelyNamesTheHeaderWhoeverCalls)
     Int64ToUInt32(4294967296, "caller.cpp", 7);
     Int64ToUInt32(4294967296, nullptr, -1);
     Int64ToUInt32(4294967296, std::string(1000, '%').c_str(), 2147483647);
-    EXPECT_EQ(g_reports, std::vector<std::string>(6, g_message)); // text and caption alike, three times
+    EXPECT_EQ(g_reports, std::vector<std::string>(6, Message)); // text and caption alike, three times
 }
 
 TEST_F(Narrowing, ReportRunsOnTheCallingThread)
