@@ -134,7 +134,7 @@ TEST(XmlSavingOnPosix, WithoutSpaceTheOldFileStays)
     EXPECT_TRUE(InChild([&scratch] {
         LimitFileSize(1000);
         return !SaveText(scratch / "a.xml", std::string(5000, 'x')) &&
-               !SaveText(scratch / "new.xml", std::string(5000, 'x')) && Save(scratch / "b.xml", "short");
+               !SaveText(scratch / "new.xml", std::string(5000, 'x')) && SaveText(scratch / "b.xml", "short");
     }));
     EXPECT_EQ(ContentOf(scratch / "a.xml"), old);
     EXPECT_EQ(scratch.Names(), (Names{"a.xml", "b.xml"}));
