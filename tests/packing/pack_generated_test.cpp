@@ -1,5 +1,5 @@
-// Pack against Writef and Unpack against Readf, for every pair of item kinds over generated values, and for
-// damaged records.
+// Pack against Writef and Unpack against Readf, for every kind of item, beside texts and numbers, over
+// generated values, and for damaged records.
 #include "tests/registry/record_places.h"
 
 #include <array>
@@ -130,7 +130,7 @@ void CheckPair(Place& place, Random& random)
 {
     constexpr char format[] = {A::Letter, B::Letter, '\0'};
     SCOPED_TRACE(format);
-    for (int round = 0; round < 4; ++round) {
+    for (int round = 0; round < 12; ++round) {
         typename A::Type const a = A::Make(random);
         typename B::Type const b = B::Make(random);
         ASSERT_TRUE(place.Writef(format, A::Argument(a), B::Argument(b)));
@@ -146,16 +146,13 @@ void CheckPair(Place& place, Random& random)
     }
 }
 
-template<typename A, typename... Kinds, typename Place>
-void CheckPairsWith(List<Kinds...> /*second*/, Place& place, Random& random)
-{
-    (CheckPair<A, Kinds>(place, random), ...);
-}
-
+// What is beside an item matters by being text or none; all pairs would take a minute to compile.
 template<typename... Kinds, typename Place>
-void CheckAllPairs(List<Kinds...> kinds, Place& place, Random& random)
+void CheckEachKind(List<Kinds...> /*kinds*/, Place& place, Random& random)
 {
-    (CheckPairsWith<Kinds>(kinds, place, random), ...);
+    ((CheckPair<Kinds, Text>(place, random), CheckPair<Text, Kinds>(place, random),
+      CheckPair<Kinds, Float>(place, random)),
+     ...);
 }
 
 template<typename Place>
@@ -169,9 +166,9 @@ protected:
 using Places = testing::Types<PropertyRecord, RegistryRecord>;
 TYPED_TEST_SUITE(GeneratedPacking, Places);
 
-TYPED_TEST(GeneratedPacking, EqualsTheVariadicFormsForEveryPairOfKinds)
+TYPED_TEST(GeneratedPacking, EqualsTheVariadicFormsForEveryKindBesideTextsAndNumbers)
 {
-    CheckAllPairs(AllKinds{}, this->m_place, this->m_random);
+    CheckEachKind(AllKinds{}, this->m_place, this->m_random);
 }
 
 TEST(GeneratedUnpacking, TakesNoDamagedRecordThatReadfReadsOtherwise)

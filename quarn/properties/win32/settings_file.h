@@ -15,6 +15,7 @@ namespace Quarn::Win32 {
 // What XMLPropPersist::Populate would make of a file.
 struct SettingsReport
 {
+    // How much of a file loads.
     enum Result
     {
         Loads,       // all of it
@@ -22,13 +23,13 @@ struct SettingsReport
         DoesNotLoad, // Populate is false
     };
 
-    Result result = DoesNotLoad;
+    Result result = DoesNotLoad; // how much of this one does
     // The first thing that is not loaded, in English or as the XML library words it; empty for Loads.
     Quarn::string reason;
-    // Where that is, counted from 1: where the reader stood when it met it. 0 where there is no place, as for
-    // a missing file.
+    // The line where that is, counted from 1: where the reader stood when it met it. 0 where there is no
+    // place, as for a missing file.
     std::uint64_t line = 0;
-    std::uint64_t column = 0;
+    std::uint64_t column = 0; // the column there, counted likewise
 };
 
 // Reads the file as XMLPropPersist::Populate does, and keeps nothing.
