@@ -27,7 +27,9 @@ function(quarn_run_tests name prefix)
   set(properties ${quarn_test_properties} ${ARGN})
   if(QUARN_TESTS_BY_PROGRAM)
     set(test ${prefix}${name})
-    add_test(NAME ${test} COMMAND ${name} --gtest_output=xml:${PROJECT_BINARY_DIR}/results/${test}.xml)
+    # By a relative path: a Windows program takes no other without a drive.
+    file(RELATIVE_PATH results ${CMAKE_CURRENT_BINARY_DIR} ${PROJECT_BINARY_DIR}/results)
+    add_test(NAME ${test} COMMAND ${name} --gtest_output=xml:${results}/${test}.xml)
     set_tests_properties(${test} PROPERTIES WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR} ${properties} TIMEOUT 300)
   else()
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 TEST_PREFIX "${prefix}"
