@@ -26,6 +26,16 @@ inline void WriteContent(std::string const& path, std::string const& content)
     ASSERT_TRUE(file.good()) << path;
 }
 
+// The names of all that is in a folder.
+inline std::set<std::string> NamesIn(std::filesystem::path const& folder)
+{
+    std::set<std::string> names;
+    for (auto const& entry : std::filesystem::directory_iterator(folder)) {
+        names.insert(entry.path().filename().string());
+    }
+    return names;
+}
+
 class ScratchFolder
 {
 public:
@@ -66,14 +76,7 @@ public:
         return path;
     }
     // The names of all that is in the folder.
-    std::set<std::string> Names() const
-    {
-        std::set<std::string> names;
-        for (auto const& entry : std::filesystem::directory_iterator(m_path)) {
-            names.insert(entry.path().filename().string());
-        }
-        return names;
-    }
+    std::set<std::string> Names() const { return NamesIn(m_path); }
 
 private:
     std::string m_path;

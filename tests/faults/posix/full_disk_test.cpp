@@ -82,14 +82,7 @@ public:
                   0);
     }
 
-    std::set<std::string> Names() const
-    {
-        std::set<std::string> names;
-        for (auto const& entry : std::filesystem::directory_iterator(m_path)) {
-            names.insert(entry.path().filename().string());
-        }
-        return names;
-    }
+    std::set<std::string> Names() const { return NamesIn(m_path); }
 
 private:
     std::string m_path;
