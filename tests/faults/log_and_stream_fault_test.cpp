@@ -78,7 +78,7 @@ TEST(StreamFaults, NoWriteIsLostSilently)
             EXPECT_EQ(ContentOf(path), whole);
             resources.ExpectSame();
         });
-    EXPECT_GT(figures.refusals, 20);
+    EXPECT_GT(figures.refusals, 20 / Faults::AllocationStep());
     RecordFigures(figures);
 }
 
@@ -95,7 +95,7 @@ TEST(StreamFaults, NoReadIsWrongSilently)
             EXPECT_TRUE(Read(path.c_str()));
             resources.ExpectSame();
         });
-    EXPECT_GT(figures.refusals, 20);
+    EXPECT_GT(figures.refusals, 20 / Faults::AllocationStep());
     RecordFigures(figures);
 }
 
@@ -144,7 +144,7 @@ TEST(LogFaults, EveryFailureIsReportedAndTheNextMessageIsWritten)
             resources.ExpectSame();
         });
     EXPECT_EQ(Log::SetPath(""), 0);
-    EXPECT_GT(figures.refusals, 20);
+    EXPECT_GT(figures.refusals, 20 / Faults::AllocationStep());
     RecordFigures(figures);
 }
 

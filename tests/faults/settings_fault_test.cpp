@@ -107,7 +107,7 @@ TEST_F(SettingsFaults, ASaveThatFailsLeavesTheOldFileOrTheNewOneWhole)
             store.reset();
             resources.ExpectSame();
         });
-    EXPECT_GT(figures.refusals, 100);
+    EXPECT_GT(figures.refusals, 100 / Faults::AllocationStep());
     RecordFigures(figures);
 }
 
@@ -140,7 +140,7 @@ TEST_F(SettingsFaults, AFileThatLoadsNotOrNotWholeIsKeptUnderASecondName)
             store.reset();
             resources.ExpectSame();
         });
-    EXPECT_GT(figures.refusals, 100);
+    EXPECT_GT(figures.refusals, 100 / Faults::AllocationStep());
     RecordFigures(figures);
 }
 
@@ -172,7 +172,7 @@ TEST_F(SettingsFaults, ASaveOverAFileThatDidNotLoadHasAlwaysASecondNameForIt)
             store.reset();
             resources.ExpectSame();
         });
-    EXPECT_GT(figures.refusals, 100);
+    EXPECT_GT(figures.refusals, 100 / Faults::AllocationStep());
     RecordFigures(figures);
 }
 
@@ -208,7 +208,7 @@ TEST_F(SettingsFaults, ASaveInPlaceLeavesTheOldContentInTheFileOrInACopy)
             store.reset();
             resources.ExpectSame();
         });
-    EXPECT_GT(figures.refusals, 100);
+    EXPECT_GT(figures.refusals, 100 / Faults::AllocationStep());
     RecordFigures(figures);
 }
 
@@ -267,7 +267,7 @@ TEST_F(SettingsFaults, ABackupIsCompleteOrNotThere)
             store.reset();
             resources.ExpectSame();
         });
-    EXPECT_GT(figures.refusals, 100);
+    EXPECT_GT(figures.refusals, 100 / Faults::AllocationStep());
     RecordFigures(figures);
 }
 
@@ -308,7 +308,7 @@ TEST_F(SettingsFaults, RestoringLosesNeitherTheFileNorTheBackup)
             store.reset();
             resources.ExpectSame();
         });
-    EXPECT_GT(figures.refusals, 100);
+    EXPECT_GT(figures.refusals, 100 / Faults::AllocationStep());
     RecordFigures(figures);
 }
 

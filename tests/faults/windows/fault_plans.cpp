@@ -1,0 +1,40 @@
+#include "tests/faults/fault_loop.h"
+
+#include <cstdlib>
+#include <cstring>
+
+namespace Faults {
+
+namespace {
+
+// Rounds take long here: without this, not all of them are run.
+bool IsComplete()
+{
+    char const* const wanted = std::getenv("QUARN_FAULTS");
+    return wanted != nullptr && std::strcmp(wanted, "all") == 0;
+}
+
+} // namespace
+
+// As elsewhere, and besides: others have a file open, the system lacks memory.
+std::vector<Plan> Plans()
+{
+    std::vector<Plan> plans = {{Kind::Memory, Span::One, 1, ENOMEM}, {Kind::Memory, Span::Rest, 1, ENOMEM},
+                               {Kind::Files, Span::One, 1, EIO},     {Kind::Files, Span::One, 1, EBUSY},
+                               {Kind::Files, Span::Rest, 1, EACCES}, {Kind::Files, Span::Rest, 1, ENOSPC}};
+    if (IsComplete()) {
+        plans.insert(plans.end(), {{Kind::Files, Span::One, 1, EACCES},
+                                   {Kind::Files, Span::One, 1, ENOMEM},
+                                   {Kind::Files, Span::Rest, 1, EBUSY},
+                                   {Kind::Files, Span::Rest, 1, ENOMEM}});
+    }
+    return plans;
+}
+
+// Above the system's calls it is the same code as elsewhere, where no allocation is left out.
+int AllocationStep()
+{
+    return IsComplete() ? 1 : 5;
+}
+
+} // namespace Faults
