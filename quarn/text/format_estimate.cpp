@@ -163,8 +163,10 @@ private:
         if (m_p == m_end) {
             return;
         }
-        if (conversion.prefix == 'N') {
-            m_arguments = Arguments::Lost; // the C library knows no such prefix
+        // The C library knows no prefix N. And to it "%F%%" is a conversion and a percent sign, behind which
+        // there is text where the walk finds a conversion.
+        if (conversion.prefix == 'N' || (conversion.prefix == 'F' && *m_p == '%')) {
+            m_arguments = Arguments::Lost;
         }
         std::int64_t const number = std::max<std::int64_t>(conversion.width, 32) + conversion.precision;
         switch (*m_p++) {

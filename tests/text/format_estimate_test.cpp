@@ -249,6 +249,13 @@ TEST(FormatEstimate, BehindAPrefixNNoArgumentIsTaken)
     EXPECT_EQ(Estimate("%Ns%*d%.*f%p"), 1U + 32U + 128U + 32U);
 }
 
+// To the C library the second and the third percent sign are one of text.
+TEST(FormatEstimate, BehindAPrefixFAndAPercentSignNoArgumentIsTaken)
+{
+    EXPECT_EQ(Estimate("%F%%*d", 1.5, 1000), 32U);
+    EXPECT_EQ(Estimate("%.2F%%s%.*s", 1.5, 1000, "hello"), 2U);
+}
+
 TEST(FormatEstimate, PrefixesAreSkipped)
 {
     EXPECT_EQ(Estimate("%Ld%s", 1LL, "hello"), 37U);
