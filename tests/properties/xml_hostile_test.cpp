@@ -208,7 +208,9 @@ TEST(XmlHostile, WrongEncodingsAreRefusedAndRightOnesRead)
     for (std::string const& document :
          {Body, "\xEF\xBB\xBF" + Body, utf16le, utf16be, "<?xml version='1.0' encoding='UTF-8'?>" + Body,
           "<?xml version='1.0' encoding='ISO-8859-1'?>" + Body,
-          "<?xml version='1.0' encoding='US-ASCII'?>" + Body}) {
+          "<?xml version='1.0' encoding='US-ASCII'?>" + Body,
+          "<?xml version='1.0' encoding='iso-8859-6'?>" + Body,
+          "<?xml version='1.0' encoding='windows-1253'?>" + Body}) {
         ScratchFolder const scratch;
         WriteContent(scratch / "settings.xml", document);
         PropertyCollection collection;
@@ -228,6 +230,10 @@ TEST(XmlHostile, WrongEncodingsAreRefusedAndRightOnesRead)
              std::string("<d><Key Name='\xED\xA0\x80'/></d>"),
              std::string("<d><Key Name='\xF4\x90\x80\x80'/></d>"),
              "\xEF\xBB" + Body,
+             // Bytes without a character in the encoding of their own.
+             std::string("<?xml version='1.0' encoding='ISO-8859-6'?><d><Key Name='\xA1'/></d>"),
+             std::string("<?xml version='1.0' encoding='windows-1253'?><d><Key Name='a'>\xD2</Key></d>"),
+             std::string("<?xml version='1.0' encoding='GB18030'?><d><Key Name='\xFF'/></d>"),
              // Wide characters are declared, and there are none.
              "<?xml version='1.0' encoding='UTF-16'?>" + Body,
              "\xEF\xBB\xBF<?xml version='1.0' encoding='utf-16'?>" + Body,

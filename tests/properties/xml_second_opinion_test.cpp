@@ -17,10 +17,13 @@
 #include <cstdlib>
 #include <iterator>
 #include <map>
+#include <optional>
+#include <random>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <iconv.h>
 
 namespace {
 
@@ -210,6 +213,90 @@ TEST_F(XmlSecondOpinion, RefusesADeclarationOfAnotherWidthThanThatOfTheBytes)
         EXPECT_EQ(ResultOf(marks[1] + wide(declared(encoding), 2, false)), ReadResult::Refused) << encoding;
         EXPECT_EQ(ResultOf(wide(declared(encoding), 2, true)), ReadResult::Refused) << encoding;
     }
+}
+
+// What these bytes are in UTF-8, as the C library has it; none where they are no characters.
+std::optional<std::string> Converted(std::string const& encoding, std::string bytes)
+{
+    ::iconv_t const converter = ::iconv_open("UTF-8", encoding.c_str());
+    char text[64];
+    char* from = bytes.data();
+    char* to = text;
+    std::size_t left = bytes.size();
+    std::size_t room = sizeof text;
+    bool const isConverted = ::iconv(converter, &from, &left, &to, &room) != static_cast<std::size_t>(-1);
+    ::iconv_close(converter);
+    return isConverted ? std::optional(std::string(text, to)) : std::nullopt;
+}
+
+// The bytes as a value's text; none where the document is refused.
+std::optional<std::string> Read(std::string const& encoding, std::string const& bytes)
+{
+    PropertyCollection settings;
+    ReadResult const result =
+        ReadSettings("<?xml version='1.0' encoding='" + encoding +
+                         "'?><d><Key Name='n'><Value Name='v' Type='string'>" + bytes + "</Value></Key></d>",
+                     settings);
+    EXPECT_TRUE(result == ReadResult::Whole || result == ReadResult::Refused);
+    return result == ReadResult::Whole ? std::optional<std::string>(settings.GetValueString("v", ""))
+                                       : std::nullopt;
+}
+
+TEST_F(XmlSecondOpinion, OnEachByteOfOtherEncodingsIsTheSame)
+{
+    int wrong = 0;
+    for (std::string const encoding : {"ISO-8859-1", "ISO-8859-2", "ISO-8859-3", "ISO-8859-4", "ISO-8859-5",
+                                       "ISO-8859-6", "ISO-8859-7", "ISO-8859-8", "ISO-8859-9", "ISO-8859-13",
+                                       "ISO-8859-15", "KOI8-R", "KOI8-U", "Shift_JIS", "GB18030"}) {
+        for (int byte = 0x80; byte < 0x100; ++byte) {
+            std::string const bytes(1, static_cast<char>(byte));
+            std::optional<std::string> const expected = Converted(encoding, bytes);
+            ASSERT_EQ(Read(encoding, bytes), expected) << encoding << std::hex << byte;
+            wrong += expected ? 0 : 1;
+        }
+    }
+    EXPECT_GT(wrong, 100);
+}
+
+TEST_F(XmlSecondOpinion, OnCharactersOfSeveralBytesIsTheSame)
+{
+    std::mt19937 random(20); // NOLINT(cert-msc51-cpp): the same each time
+    int wrong = 0;
+    for (int i = 0; i < 2000; ++i) {
+        std::string bytes;
+        for (unsigned const length = 2 + random() % 3; bytes.size() < length;) {
+            bytes += static_cast<char>(random() % 2 != 0 ? '0' + random() % 10 : 0x7F + random() % 0x81);
+        }
+        std::optional<std::string> const expected = Converted("GB18030", bytes);
+        ASSERT_EQ(Read("GB18030", bytes).has_value(), expected.has_value())
+            << ::testing::PrintToString(bytes);
+        wrong += expected ? 0 : 1;
+    }
+    EXPECT_GT(wrong, 100);
+    EXPECT_LT(wrong, 1900);
+}
+
+// The converter says nothing of what it puts a replacement for. Asked for by its number it is none.
+TEST_F(XmlSecondOpinion, NoByteIsReplaced)
+{
+    for (std::string const encoding :
+         {"GBK", "GB2312", "Big5", "EUC-JP", "EUC-KR", "windows-1253", "windows-1255", "windows-1257",
+          "IBM852", "ISO-2022-JP", "ISO-2022-KR", "UTF-7", "HZ-GB-2312", "CESU-8"}) {
+        int read = 0;
+        for (int byte = 0x80; byte < 0x100; ++byte) {
+            std::string const bytes = {static_cast<char>(byte), 'a', static_cast<char>(byte ^ 1)};
+            std::optional<std::string> const text = Read(encoding, bytes);
+            ASSERT_TRUE(!text || text->find("\xEF\xBF\xBD") == text->npos) << encoding << std::hex << byte;
+            read += text ? 1 : 0;
+        }
+        EXPECT_LT(read, 0x80) << encoding;
+        EXPECT_EQ(Read(encoding, "a&#xFFFD;"), "a\xEF\xBF\xBD") << encoding;
+    }
+    // A character that is cut at the end, its first byte being a ">" and the one before it the shift.
+    EXPECT_EQ(ResultOf("<?xml version='1.0' encoding='ISO-2022-JP'?><d><Key Name='n'/></d>"),
+              ReadResult::Whole);
+    EXPECT_EQ(ResultOf("<?xml version='1.0' encoding='ISO-2022-JP'?><d><Key Name='n'/></d>\x1B$B>"),
+              ReadResult::Refused);
 }
 
 } // namespace

@@ -1,13 +1,12 @@
 #include "quarn/properties/win32/settings_reader.h"
 
 #include "quarn/properties/win32/bounded_memory.h"
+#include "quarn/properties/win32/settings_encoding.h"
 #include "quarn/properties/win32/settings_limits.h"
 #include "quarn/properties/win32/settings_steps.h"
 #include "quarn/properties/win32/xml_text.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <initializer_list>
 #include <new>
 #include <string>
 #include <vector>
@@ -47,6 +46,7 @@ constexpr char const* TooLong = "more than 256 MiB";
 constexpr char const* UnsoundCharacters =
     "a zero character, half a character, or something behind the last element";
 constexpr char const* OtherEncoding = "an encoding that the document does not have";
+constexpr char const* NoSuchCharacters = "bytes that are no characters in the document's encoding";
 constexpr char const* TooMuchMemory = "more than the XML library may take to read it";
 constexpr char const* NoKeyInRoot = "no key in the root element; its first element has no Name";
 constexpr char const* NoName = "an element without Name";
@@ -310,47 +310,16 @@ private:
     std::basic_string<XMLCh> m_characters;
 };
 
-// How many bytes each of the first characters has: "<" and what follows, or a mark of the byte order.
-std::size_t CharacterWidth(std::string_view document)
-{
-    bool const hasMark = document.starts_with("\xFF\xFE") || document.starts_with("\xFE\xFF");
-    std::string_view const first = document.substr(hasMark ? 2 : 0, 4);
-    auto const zeros = std::count(first.begin(), first.end(), '\0');
-    return zeros >= 3 ? 4 : zeros == 2 || hasMark ? 2 : 1;
-}
-
-// Whether an encoding may be that of characters of this width at the beginning. The XML library looks at its
-// names for the wide ones, and goes on with what it has guessed before.
-bool IsPossible(XMLCh const* encoding, std::size_t width)
-{
-    using xercesc::XMLUni;
-    auto const isOneOf = [encoding](std::initializer_list<XMLCh const*> names) {
-        return std::any_of(names.begin(), names.end(), [encoding](XMLCh const* name) {
-            return xercesc::XMLString::compareIStringASCII(encoding, name) == 0;
-        });
-    };
-    if (isOneOf({XMLUni::fgUTF16EncodingString, XMLUni::fgUTF16EncodingString2,
-                 XMLUni::fgUTF16EncodingString3, XMLUni::fgUTF16EncodingString4,
-                 XMLUni::fgUTF16EncodingString5, XMLUni::fgUTF16EncodingString6,
-                 XMLUni::fgUTF16EncodingString7})) {
-        return width == 2;
-    }
-    if (isOneOf({XMLUni::fgUCS4EncodingString, XMLUni::fgUCS4EncodingString2, XMLUni::fgUCS4EncodingString3,
-                 XMLUni::fgUCS4EncodingString4, XMLUni::fgUCS4EncodingString5})) {
-        return width == 4;
-    }
-    return true; // the XML library's to say
-}
-
 // The XML library's parser, which by itself reports a document type only where that declares something, takes
 // every version 1.x, and does not compare some encodings with the bytes.
 class Reader final : public xercesc::SAX2XMLReaderImpl
 {
 public:
-    Reader(xercesc::MemoryManager* memory, Handler& handler, std::size_t characterWidth)
+    Reader(std::string_view document, Handler& handler, xercesc::MemoryManager* memory)
         : SAX2XMLReaderImpl(memory),
+          m_document(document),
           m_handler(handler),
-          m_characterWidth(characterWidth)
+          m_memory(memory)
     {}
 
     void doctypeDecl(xercesc::DTDElementDecl const&, XMLCh const*, XMLCh const*, bool, bool) override
@@ -367,15 +336,19 @@ public:
             !XMLString::equals(version, XMLUni::fgVersion1_1)) {
             m_handler.Refuse(OtherVersion);
         }
-        if (!IsPossible(encoding, m_characterWidth)) {
+        if (!CanBeEncodingOf(m_document, encoding)) {
             m_handler.Refuse(OtherEncoding);
+        }
+        if (!HasCharactersOf(m_document, encoding, m_memory)) {
+            m_handler.Refuse(NoSuchCharacters);
         }
         SAX2XMLReaderImpl::XMLDecl(version, encoding, standalone, actualEncoding);
     }
 
 private:
+    std::string_view m_document;
     Handler& m_handler;
-    std::size_t m_characterWidth;
+    xercesc::MemoryManager* m_memory;
 };
 
 void Configure(Reader& reader)
@@ -388,44 +361,6 @@ void Configure(Reader& reader)
     reader.setFeature(XMLUni::fgXercesSchemaFullChecking, false);
     reader.setFeature(XMLUni::fgXercesLoadExternalDTD, false);
     reader.setFeature(XMLUni::fgXercesDisableDefaultEntityResolution, true);
-}
-
-// Whether a character of two or four bytes stands for one that may be in a document; the second half of a
-// pair only where the first one was before it.
-bool IsSound(std::uint32_t character, bool isWide, bool& hasFirstHalf)
-{
-    bool const isSecondHalf = character >= 0xDC00 && character < 0xE000;
-    bool const isInPlace = isSecondHalf == hasFirstHalf;
-    hasFirstHalf = character >= 0xD800 && character < 0xDC00;
-    return character != 0 && character <= 0x10FFFF && isInPlace && !(isWide && hasFirstHalf);
-}
-
-// The XML library takes a zero character behind the root element for the end of the document, whatever
-// follows, passes over a part of a character at the end, and does not look for both halves of a pair.
-bool HasSoundCharacters(std::string_view document)
-{
-    std::size_t const width = CharacterWidth(document);
-    if (width == 1) {
-        // Behind the last element there is white space, and nothing else that is not refused anyway.
-        bool const isAscii = document.starts_with('<') || document.starts_with("\xEF\xBB\xBF");
-        std::size_t const last = document.find_last_not_of(" \t\r\n");
-        return document.find('\0') == document.npos &&
-               (!isAscii || (last != document.npos && document[last] == '>'));
-    }
-    bool const isBigEndian = document.starts_with('\0') || document.starts_with("\xFE\xFF");
-    bool hasFirstHalf = false;
-    for (std::size_t at = 0; at < document.size(); at += width) {
-        std::string_view const bytes = document.substr(at, width);
-        std::uint32_t character = 0;
-        for (std::size_t i = 0; i < bytes.size(); ++i) {
-            auto const byte = static_cast<unsigned char>(bytes[isBigEndian ? i : bytes.size() - 1 - i]);
-            character = character << 8U | byte;
-        }
-        if (bytes.size() != width || !IsSound(character, width == 4, hasFirstHalf)) {
-            return false;
-        }
-    }
-    return !hasFirstHalf;
 }
 
 // What the XML library says, as the process's text.
@@ -447,7 +382,7 @@ bool Parse(std::string_view document, Handler& handler, ReadProblem& problem)
         xercesc::MemBufInputSource source(reinterpret_cast<XMLByte const*>(document.data()), document.size(),
                                           SourceName, false, &memory);
         source.setCopyBufToStream(false);
-        Reader reader(&memory, handler, CharacterWidth(document));
+        Reader reader(document, handler, &memory);
         Configure(reader);
         reader.setProperty(xercesc::XMLUni::fgXercesSecurityManager, &security);
         reader.setContentHandler(&handler);
