@@ -31,7 +31,8 @@ bool IsDirectory(char const* path)
     return ::lstat(path, &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-// rename() that never overwrites; a hard link does it where the file system lacks the call.
+// rename() that never overwrites; a hard link does it where the file system lacks the call, and where it has
+// no links either, an empty file takes the name first.
 int RenameNoReplace(char const* from, char const* to)
 {
     if (::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) {
@@ -40,10 +41,14 @@ int RenameNoReplace(char const* from, char const* to)
     if (errno != EINVAL && errno != ENOSYS) {
         return -1;
     }
-    if (::link(from, to) != 0) {
+    bool const isLinked = ::link(from, to) == 0;
+    if (!isLinked && errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS) {
         return -1;
     }
-    if (::unlink(from) != 0) {
+    if (!isLinked && !Open(to, O_WRONLY | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR)) {
+        return -1;
+    }
+    if ((isLinked ? ::unlink(from) : std::rename(from, to)) != 0) {
         int const error = errno;
         ::unlink(to);
         errno = error;

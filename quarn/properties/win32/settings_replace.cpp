@@ -11,22 +11,6 @@ namespace Quarn::detail {
 
 namespace {
 
-// A copy whose bytes have reached the device.
-bool CopyFlushed(string const& from, string const& to)
-{
-    if (!::CopyFileA(from.c_str(), to.c_str(), TRUE)) {
-        return false;
-    }
-    FileHandle file(::CreateFileA(to.c_str(), GENERIC_WRITE, ShareAll, nullptr, OPEN_EXISTING,
-                                  FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (file.IsOpen() && ::FlushFileBuffers(file.Get())) {
-        return true;
-    }
-    file.Close();
-    ::DeleteFileA(to.c_str());
-    return false;
-}
-
 bool GiveSecondName(SettingsPath const& path, string& name)
 {
     string const whole = path.Whole();
@@ -38,13 +22,19 @@ bool GiveSecondName(SettingsPath const& path, string& name)
         if (::CreateHardLinkA(name.c_str(), whole.c_str(), nullptr)) {
             return true;
         }
-        if (::GetLastError() != ERROR_ALREADY_EXISTS) {
-            if (CopyFlushed(whole, name)) {
-                return true;
-            }
-            if (::GetLastError() != ERROR_FILE_EXISTS) {
-                return false;
-            }
+        if (::GetLastError() == ERROR_ALREADY_EXISTS) {
+            continue;
+        }
+        // Not every file system has links. The copy gets the name when it is whole.
+        TemporaryFile copy(path);
+        if (copy.Error() != ERROR_SUCCESS || !copy.TakePermissionsOf(whole) || !copy.TakeContentOf(whole)) {
+            return false;
+        }
+        if (copy.MoveTo(name)) {
+            return true;
+        }
+        if (IsMissing(name)) {
+            return false;
         }
     }
 }

@@ -43,6 +43,17 @@ bool TemporaryFile::Write(std::string_view content)
     return m_file.Close() && written;
 }
 
+bool TemporaryFile::TakeContentOf(string const& name)
+{
+    if (!m_file.Close() || ::CopyFileA(name.c_str(), m_name.c_str(), FALSE) == FALSE) {
+        return false;
+    }
+    FileHandle file(::CreateFileA(m_name.c_str(), GENERIC_WRITE, ShareAll, nullptr, OPEN_EXISTING,
+                                  FILE_ATTRIBUTE_NORMAL, nullptr));
+    bool const isFlushed = file.IsOpen() && ::FlushFileBuffers(file.Get()) != FALSE;
+    return file.Close() && isFlushed;
+}
+
 bool TemporaryFile::MakeReadOnly()
 {
     return ::SetFileAttributesA(m_name.c_str(), FILE_ATTRIBUTE_READONLY) != FALSE;

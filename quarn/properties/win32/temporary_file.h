@@ -23,8 +23,9 @@ public:
 
     // Before anything is written: what only some may read is never readable by others.
     bool TakePermissionsOf(string const& name);
-    // Writes the content, flushes it to the device and closes the file; once.
+    // Writes the content, or that of another file, flushes it to the device and closes the file; once.
     bool Write(std::string_view content);
+    bool TakeContentOf(string const& name);
     // What has been written becomes a read-only file.
     bool MakeReadOnly();
 

@@ -103,6 +103,7 @@ protected:
         std::vector<DeviceStep> steps;
         {
             DeviceAccount account;
+            account.hasLinks = m_hasLinks;
             work();
             steps = account.steps;
         }
@@ -130,8 +131,26 @@ protected:
                            [&](auto const& file) { return file.second == content; });
     }
 
+    // A save over a file that did not load: a name beside it is one for the whole old file.
+    void ExpectSecondNameOfSpoiled()
+    {
+        std::string const spoiled = "spoiled";
+        WriteContent(m_store.GetXMLFilePath(), spoiled);
+        EXPECT_FALSE(m_store.Populate());
+        auto const isKept = [&](Files const& files) {
+            bool const isWhole = std::all_of(files.begin(), files.end(), [&](auto const& file) {
+                return file.first.rfind(m_base + "_", 0) != 0 || file.second == spoiled;
+            });
+            return isWhole && IsThere(files, spoiled);
+        };
+        Expect([&] { EXPECT_TRUE(m_store.Persist(true)); },
+               [&](Files const& files) { return isKept(files) && files.count(m_file) != 0; },
+               [&](Files const& files) { return isKept(files) && !IsSettings(files, spoiled); });
+    }
+
     QuarnProperties m_store;
     std::string m_old;
+    bool m_hasLinks = true;
 };
 
 TEST_F(PowerCut, DuringASaveLeavesTheOldSettingsOrTheNewAndAfterItTheNew)
@@ -150,12 +169,13 @@ TEST_F(PowerCut, DuringASaveLeavesTheOldSettingsOrTheNewAndAfterItTheNew)
 
 TEST_F(PowerCut, LosesNoSettingsThatDidNotLoadToTheNextSave)
 {
-    std::string const spoiled = "spoiled";
-    WriteContent(m_store.GetXMLFilePath(), spoiled);
-    EXPECT_FALSE(m_store.Populate());
-    Expect([&] { EXPECT_TRUE(m_store.Persist(true)); },
-           [&](Files const& files) { return IsThere(files, spoiled) && files.count(m_file) != 0; },
-           [&](Files const& files) { return IsThere(files, spoiled) && !IsSettings(files, spoiled); });
+    ExpectSecondNameOfSpoiled();
+}
+
+TEST_F(PowerCut, LosesNoSettingsThatDidNotLoadWhereThereAreNoLinks)
+{
+    m_hasLinks = false;
+    ExpectSecondNameOfSpoiled();
 }
 
 TEST_F(PowerCut, LeavesABackupWholeOrNoneAndAfterItOne)

@@ -108,6 +108,10 @@ int renameat2(int fromFolder, char const* from, int toFolder, char const* to, un
 
 int linkat(int fromFolder, char const* from, int toFolder, char const* to, int flags) noexcept
 {
+    if (g_account != nullptr && !g_account->hasLinks) {
+        errno = EPERM;
+        return -1;
+    }
     int const result = Result(::syscall(SYS_linkat, fromFolder, from, toFolder, to, flags));
     CountName(result, to);
     return result;

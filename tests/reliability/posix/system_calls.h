@@ -34,6 +34,7 @@ public:
     ~DeviceAccount();
 
     std::vector<DeviceStep> steps;
+    bool hasLinks = true; // of a file system without them, if not
 };
 
 // The clock stands at this second as long as the object lives.
