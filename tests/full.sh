@@ -8,10 +8,11 @@
 #   processes   eight processes at once on one settings file, one registry, one companion library
 #   zones       the native tests in five time zones
 #   doubles     Format of random doubles against the C library's
+#   documents   settings documents, good and bad, against a second XML library
 #   fuzz        every reader of outside bytes, with the address and undefined-behaviour sanitizers
 #
 # Numbers: --kills (2000, of each writer), --saves (1000, by each process), --doubles (10000000),
-# --minutes (10, of fuzzing for each reader).
+# --documents (200000), --minutes (10, of fuzzing for each reader).
 #
 # Ends with a table of what was done; the exit status tells whether everything passed.
 set -uo pipefail
@@ -22,8 +23,8 @@ cd "$root" || exit 1
 . scripts/packages.sh
 . scripts/fuzz.sh
 
-all=(kills processes zones doubles fuzz)
-declare -A number=([kills]=2000 [saves]=1000 [doubles]=10000000 [minutes]=10)
+all=(kills processes zones doubles documents fuzz)
+declare -A number=([kills]=2000 [saves]=1000 [doubles]=10000000 [documents]=200000 [minutes]=10)
 
 usage() {
     sed -n '2,/^set/s/^# \{0,1\}//p' "$0"
@@ -85,6 +86,12 @@ zones() {
 doubles() {
     what="${number[doubles]} random doubles"
     programs text_test && QUARN_DOUBLES=${number[doubles]} figures text_test FormatGenerated.RealsOfAnyBits
+}
+
+documents() {
+    what="${number[documents]} generated documents"
+    programs xml_private_test &&
+        QUARN_DOCUMENTS=${number[documents]} figures xml_private_test XmlSecondOpinion.IsSharedOnGeneratedDocuments
 }
 
 fuzz() {

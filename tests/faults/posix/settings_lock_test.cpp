@@ -1,6 +1,5 @@
 // A saver that waits for another one's end in vain. Waiting takes no time here.
 #include "quarn/platform/win32_api.h"
-#include "quarn/platform/win32_api.h"
 #include "quarn/properties/property_collection.h"
 #include "quarn/properties/win32/xml_persist.h"
 
