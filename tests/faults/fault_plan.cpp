@@ -13,7 +13,7 @@ struct State
     int calls = 0;
     char const* struck = nullptr;
     bool deniesTemporaries = false;
-    char const* unsupported = "";
+    bool refusesLinks = false;
     std::uint64_t waited = 0;
     std::ptrdiff_t blocks = 0;
 };
@@ -66,17 +66,17 @@ void DenyTemporaries(bool deny)
 
 bool TemporariesAreDenied()
 {
-    return g_state.deniesTemporaries;
+    return g_state.deniesTemporaries && t_isArmed;
 }
 
-void LeaveUnsupported(char const* function)
+void RefuseLinks(bool refuse)
 {
-    g_state.unsupported = function != nullptr ? function : "";
+    g_state.refusesLinks = refuse;
 }
 
-bool IsUnsupported(char const* function)
+bool LinksAreRefused()
 {
-    return t_isArmed && std::strcmp(function, g_state.unsupported) == 0;
+    return g_state.refusesLinks && t_isArmed;
 }
 
 bool IsArmed()

@@ -50,9 +50,9 @@ int Error();
 void DenyTemporaries(bool deny);
 bool TemporariesAreDenied();
 
-// A function that the file system does not have; null for none.
-void LeaveUnsupported(char const* function);
-bool IsUnsupported(char const* function);
+// Refuses to give files second names, as file systems do that know no links.
+void RefuseLinks(bool refuse);
+bool LinksAreRefused();
 
 // Waiting takes no time while faults may fall: the clock is moved on instead.
 bool IsArmed();

@@ -81,6 +81,39 @@ protected:
         EXPECT_EQ(Names(), std::set<std::string>{m_file});
     }
 
+    // A save over a file that did not load, which has a second name before it loses its first.
+    void ExpectSecondNames()
+    {
+        std::unique_ptr<QuarnProperties> store;
+        std::string const spoiled = m_old.substr(0, m_old.size() / 2);
+        Resources resources(m_path);
+        auto const figures = Faults::ForEveryFault(
+            Faults::Plans(),
+            [&] {
+                Reset(spoiled);
+                store = Store();
+                ASSERT_FALSE(store->Populate());
+                store->SetName("Store");
+                store->SetDocumentDescription(QuarnProperties::m_documentType);
+                SetText(*store, "new");
+            },
+            [&] { return store->Persist(false); },
+            [&](bool isSaved, char const* struck) {
+                EXPECT_TRUE(isSaved || struck != nullptr);
+                std::string const content = ContentOf(m_path);
+                EXPECT_TRUE(content == m_new || (content == spoiled && !isSaved)) << content;
+                EXPECT_GE(Copies(spoiled), 1);
+                EXPECT_TRUE(store->Persist(true));
+                EXPECT_EQ(ContentOf(m_path), m_new);
+                EXPECT_EQ(Names().size(), 2U);
+                EXPECT_EQ(Copies(spoiled), 1);
+                store.reset();
+                resources.ExpectSame();
+            });
+        EXPECT_GT(figures.refusals, 100 / Faults::AllocationStep());
+        RecordFigures(figures);
+    }
+
     std::string m_path;
     std::string m_old;
     std::string m_new;
@@ -146,34 +179,15 @@ TEST_F(SettingsFaults, AFileThatLoadsNotOrNotWholeIsKeptUnderASecondName)
 
 TEST_F(SettingsFaults, ASaveOverAFileThatDidNotLoadHasAlwaysASecondNameForIt)
 {
-    std::unique_ptr<QuarnProperties> store;
-    std::string const spoiled = m_old.substr(0, m_old.size() / 2);
-    Resources resources(m_path);
-    auto const figures = Faults::ForEveryFault(
-        Faults::Plans(),
-        [&] {
-            Reset(spoiled);
-            store = Store();
-            ASSERT_FALSE(store->Populate());
-            store->SetName("Store");
-            store->SetDocumentDescription(QuarnProperties::m_documentType);
-            SetText(*store, "new");
-        },
-        [&] { return store->Persist(false); },
-        [&](bool isSaved, char const* struck) {
-            EXPECT_TRUE(isSaved || struck != nullptr);
-            std::string const content = ContentOf(m_path);
-            EXPECT_TRUE(content == m_new || (content == spoiled && !isSaved)) << content;
-            EXPECT_GE(Copies(spoiled), 1);
-            EXPECT_TRUE(store->Persist(true));
-            EXPECT_EQ(ContentOf(m_path), m_new);
-            EXPECT_EQ(Names().size(), 2U);
-            EXPECT_EQ(Copies(spoiled), 1);
-            store.reset();
-            resources.ExpectSame();
-        });
-    EXPECT_GT(figures.refusals, 100 / Faults::AllocationStep());
-    RecordFigures(figures);
+    ExpectSecondNames();
+}
+
+// The second name is a copy's then.
+TEST_F(SettingsFaults, ASaveOverAFileThatDidNotLoadHasAWholeCopyOfItWhereThereAreNoLinks)
+{
+    Faults::RefuseLinks(true);
+    ExpectSecondNames();
+    Faults::RefuseLinks(false);
 }
 
 // Where no temporary file may be made, the file itself is overwritten: the one save that is not a single

@@ -16,10 +16,6 @@ namespace {
 
 bool Strikes(char const* function)
 {
-    if (Faults::IsUnsupported(function)) {
-        errno = EINVAL;
-        return true;
-    }
     if (!Faults::Strikes(Faults::Kind::Files, function)) {
         return false;
     }
@@ -31,8 +27,7 @@ bool Strikes(char const* function)
 
 bool IsDeniedTemporary(char const* path, int flags)
 {
-    if (!Faults::TemporariesAreDenied() || !Faults::IsArmed() || (flags & O_EXCL) == 0 ||
-        std::strstr(path, "/.~") == nullptr) {
+    if (!Faults::TemporariesAreDenied() || (flags & O_EXCL) == 0 || std::strstr(path, "/.~") == nullptr) {
         return false;
     }
     errno = EACCES;
@@ -76,8 +71,6 @@ QUARN_HOOK(char*, nullptr, getcwd, (char* path, std::size_t size), (path, size))
 QUARN_HOOK(::ssize_t, -1, getxattr, (char const* path, char const* name, void* value, std::size_t size),
            (path, name, value, size))
 QUARN_HOOK(int, -1, link, (char const* from, char const* to), (from, to))
-QUARN_HOOK(int, -1, linkat, (int first, char const* from, int second, char const* to, int flags),
-           (first, from, second, to, flags))
 QUARN_HOOK(::off_t, -1, lseek, (int file, ::off_t offset, int origin), (file, offset, origin))
 QUARN_HOOK(::off_t, -1, lseek64, (int file, ::off_t offset, int origin), (file, offset, origin))
 QUARN_HOOK(int, -1, lstat, (char const* path, void* status), (path, status))
@@ -185,6 +178,17 @@ QUARN_CLOSE_HOOK(fclose, ::FILE*)
 
 QUARN_OPEN_HOOK(open)
 QUARN_OPEN_HOOK(open64)
+
+extern "C" int Hook_linkat(int, char const*, int, char const*, int) __asm__("linkat");
+extern "C" int Hook_linkat(int first, char const* from, int second, char const* to, int flags)
+{
+    QUARN_REAL("linkat", int (*)(int, char const*, int, char const*, int));
+    if (Faults::LinksAreRefused()) {
+        errno = EPERM;
+        return -1;
+    }
+    return Strikes("linkat") ? -1 : real(first, from, second, to, flags);
+}
 
 #define QUARN_CONTROL_HOOK(name)                                                                             \
     extern "C" int Hook_##name(int file, int command, ...) __asm__(#name);                                   \

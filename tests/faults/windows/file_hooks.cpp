@@ -50,7 +50,7 @@ bool FallsOn(char const* function)
 
 bool IsDeniedTemporary(char const* path, DWORD disposition)
 {
-    return Faults::TemporariesAreDenied() && Faults::IsArmed() && disposition == CREATE_NEW &&
+    return Faults::TemporariesAreDenied() && disposition == CREATE_NEW &&
            std::strstr(path, "\\.~") != nullptr;
 }
 
@@ -75,10 +75,7 @@ bool IsDeniedTemporary(char const* path, DWORD disposition)
     }                                                                                                        \
     static Faults::Hook const g_hook_##name(#name, reinterpret_cast<void*>(Hook_##name));
 
-QUARN_HOOK(BOOL, FALSE, CopyFileA, (char const* from, char const* to, BOOL keeps), (from, to, keeps))
 QUARN_HOOK(BOOL, FALSE, CreateDirectoryA, (char const* path, SECURITY_ATTRIBUTES* security), (path, security))
-QUARN_HOOK(BOOL, FALSE, CreateHardLinkA, (char const* name, char const* file, SECURITY_ATTRIBUTES* security),
-           (name, file, security))
 QUARN_HOOK(HANDLE, nullptr, CreateMutexA, (SECURITY_ATTRIBUTES * security, BOOL owned, char const* name),
            (security, owned, name))
 QUARN_HOOK(BOOL, FALSE, DeleteFileA, (char const* path), (path))
@@ -129,6 +126,31 @@ static BOOL Hook_WriteFile(HANDLE file, void const* data, DWORD size, DWORD* wri
     return fails ? Failed(FALSE) : done;
 }
 static Faults::Hook const g_hook_WriteFile("WriteFile", reinterpret_cast<void*>(Hook_WriteFile));
+
+static BOOL Hook_CreateHardLinkA(char const* name, char const* file, SECURITY_ATTRIBUTES* security)
+{
+    if (Faults::LinksAreRefused()) {
+        ::SetLastError(ERROR_INVALID_FUNCTION);
+        return FALSE;
+    }
+    return FallsOn("CreateHardLinkA") ? Failed(FALSE) : ::CreateHardLinkA(name, file, security);
+}
+static Faults::Hook const g_hook_CreateHardLinkA("CreateHardLinkA",
+                                                 reinterpret_cast<void*>(Hook_CreateHardLinkA));
+
+// What fails to copy leaves a half, as Wine does; Windows takes that away again.
+static BOOL Hook_CopyFileA(char const* from, char const* to, BOOL keeps)
+{
+    bool const fails = FallsOn("CopyFileA");
+    BOOL const done = ::CopyFileA(from, to, keeps);
+    if (!fails) {
+        return done;
+    }
+    std::error_code ignored;
+    std::filesystem::resize_file(to, std::filesystem::file_size(from, ignored) / 2, ignored);
+    return Failed(FALSE);
+}
+static Faults::Hook const g_hook_CopyFileA("CopyFileA", reinterpret_cast<void*>(Hook_CopyFileA));
 
 // No power fails here, so nothing has to reach the disk.
 static BOOL Hook_FlushFileBuffers(HANDLE /*file*/)

@@ -3,8 +3,6 @@
 #include "quarn/platform/win32_api.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdint>
 #include <cstring>
 
 namespace Faults {
@@ -89,8 +87,8 @@ std::vector<std::string> UnhookedImports()
 {
     std::vector<std::string> unhooked;
     ForEachImport(Library, [&](char const* provider, char const* name, void** /*place*/) {
-        bool const isSystem =
-            ::_strnicmp(provider, "lib", 3) != 0; // ours and the compiler's are called lib...
+        // The compiler's are called lib...; of the C library there are the allocations and the files alone.
+        bool const isSystem = ::_strnicmp(provider, "lib", 3) != 0 && ::_stricmp(provider, "msvcrt.dll") != 0;
         auto const& names = AllHooks().names;
         if (isSystem && std::find(names.begin(), names.end(), name) == names.end()) {
             unhooked.emplace_back(name);

@@ -19,7 +19,7 @@ public:
 // The hooks that stand for nothing.
 std::vector<std::string> IdleHooks();
 
-// What the library imports from the system and the C library and no hook stands for.
+// What the library imports from the system and no hook stands for.
 std::vector<std::string> UnhookedImports();
 
 } // namespace Faults
