@@ -19,13 +19,16 @@ bool IsComplete()
 // As elsewhere, and besides: others have a file open, the system lacks memory.
 std::vector<Plan> Plans()
 {
-    std::vector<Plan> plans = {{Kind::Memory, Span::One, 1, ENOMEM}, {Kind::Memory, Span::Rest, 1, ENOMEM},
-                               {Kind::Files, Span::One, 1, EIO},     {Kind::Files, Span::One, 1, EBUSY},
-                               {Kind::Files, Span::Rest, 1, EACCES}, {Kind::Files, Span::Rest, 1, ENOSPC}};
+    std::vector<Plan> plans = {{Kind::Memory, Span::One, 1, ENOMEM},
+                               {Kind::Memory, Span::Rest, 1, ENOMEM},
+                               {Kind::Files, Span::One, 1, EIO},
+                               {Kind::Files, Span::One, 1, EBUSY},
+                               {Kind::Files, Span::Rest, 1, EACCES}};
     if (IsComplete()) {
         plans.insert(plans.end(), {{Kind::Files, Span::One, 1, EACCES},
                                    {Kind::Files, Span::One, 1, ENOMEM},
                                    {Kind::Files, Span::Rest, 1, EBUSY},
+                                   {Kind::Files, Span::Rest, 1, ENOSPC},
                                    {Kind::Files, Span::Rest, 1, ENOMEM}});
     }
     return plans;
@@ -34,7 +37,7 @@ std::vector<Plan> Plans()
 // Above the system's calls it is the same code as elsewhere, where no allocation is left out.
 int AllocationStep()
 {
-    return IsComplete() ? 1 : 5;
+    return IsComplete() ? 1 : 10;
 }
 
 } // namespace Faults
