@@ -102,4 +102,72 @@ TEST(Kills, LoseNoRecordOfAJournalThatWasAppended)
                " records (torn tails ", tornTails, ")");
 }
 
+// What a write in flight may leave where the kill, the disk or the power comes between its parts.
+class JournalTail : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        for (std::uint32_t number = 1; number <= 3; ++number) {
+            m_wholeSize = ContentOf(m_path).size();
+            station::Append(m_path, MakeRecord(Before + number));
+        }
+        m_journal = ContentOf(m_path);
+        ASSERT_GT(m_wholeSize, 0U);
+    }
+
+    // Of a journal with two whole records and something behind them, both are there, and a third can follow.
+    void ExpectTwoAndARest(std::string const& content)
+    {
+        WriteContent(m_path, content);
+        station::JournalSummary const summary = Read(2);
+        EXPECT_EQ(summary.goodBytes, m_wholeSize);
+        EXPECT_EQ(summary.restBytes, content.size() - m_wholeSize);
+        std::string const copy = station::SetAside(m_path, summary);
+        EXPECT_EQ(copy.empty(), content.size() == m_wholeSize);
+        if (!copy.empty()) {
+            EXPECT_EQ(ContentOf(copy), content);
+            fs::remove(copy);
+        }
+        station::Append(m_path, MakeRecord(Before + 3));
+        EXPECT_EQ(Read(3).restBytes, 0U);
+    }
+
+    station::JournalSummary Read(std::uint32_t expected) const
+    {
+        std::uint32_t count = 0;
+        station::JournalSummary const summary =
+            station::ReadJournal(m_path, [&](station::Record const& record) {
+                EXPECT_TRUE(AreEqual(record, MakeRecord(Before + ++count)));
+            });
+        EXPECT_EQ(count, expected);
+        return summary;
+    }
+
+    static constexpr std::uint32_t Before = 196; // so that the third is a short one
+
+    ScratchFolder m_folder;
+    std::string m_path = JournalIn(m_folder.Path());
+    std::size_t m_wholeSize = 0; // of the first two
+    std::string m_journal;
+};
+
+TEST_F(JournalTail, OfAnyLengthCostsItsOwnRecordAlone)
+{
+    for (std::size_t size = m_wholeSize; size < m_journal.size(); ++size) {
+        SCOPED_TRACE(size);
+        ExpectTwoAndARest(m_journal.substr(0, size));
+    }
+}
+
+TEST_F(JournalTail, WithAnyByteChangedCostsItsOwnRecordAlone)
+{
+    for (std::size_t at = m_wholeSize; at < m_journal.size(); ++at) {
+        SCOPED_TRACE(at);
+        std::string content = m_journal;
+        content[at] = static_cast<char>(content[at] ^ 0x10);
+        ExpectTwoAndARest(content);
+    }
+}
+
 } // namespace
