@@ -13,10 +13,11 @@ fuzz_names() {
 
 # fuzz_one NAME: leaves build/fuzz/passed/NAME behind when nothing was found.
 fuzz_one() {
-    local name=$1 dictionary=()
+    local name=$1 dictionary=() scratch=()
+    [ ! -w /dev/shm ] || scratch=(env QUARN_FUZZ_SCRATCH=/dev/shm)
     mkdir -p "build/fuzz/corpus/$name"
     [ ! -f "fuzz/$name.dict" ] || dictionary=("-dict=fuzz/$name.dict")
-    quietly "fuzz-$name" "build/fuzz/bin/fuzz_$name" \
+    quietly "fuzz-$name" "${scratch[@]}" "build/fuzz/bin/fuzz_$name" \
         -max_total_time="$fuzz_seconds" -timeout=10 -rss_limit_mb=1024 -malloc_limit_mb=256 \
         -artifact_prefix="build/fuzz/findings/$name-" "${dictionary[@]}" \
         "build/fuzz/corpus/$name" "fuzz/corpus/$name" && touch "build/fuzz/passed/$name"

@@ -2,6 +2,7 @@
 
 #include "quarn/platform/posix/errors.h"
 #include "quarn/platform/posix/files.h"
+#include "quarn/platform/posix/registry_side_files.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -195,6 +196,9 @@ bool RegistryQuery::Step()
     int const result = ::sqlite3_step(m_statement);
     if (result != SQLITE_ROW && result != SQLITE_DONE) {
         m_file->m_isStuck |= (result & 0xFF) == SQLITE_READONLY;
+        if ((result & 0xFF) == SQLITE_CORRUPT) { // perhaps by its log alone
+            m_file->BringLogHome(false);
+        }
         Throw(::sqlite3_db_handle(m_statement), result);
     }
     return result == SQLITE_ROW;
@@ -234,13 +238,17 @@ std::unique_ptr<RegistryFile> RegistryFile::Open(std::string const& path, Regist
     int const access = IsReadOnlyFile(path.c_str()) ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
     std::unique_ptr<RegistryFile> file(new RegistryFile);
     sqlite3*& database = file->m_database;
-    int const result = ::sqlite3_open_v2(path.c_str(), &database, access | SQLITE_OPEN_NOMUTEX, nullptr);
+    int const result =
+        ::sqlite3_open_v2(path.c_str(), &database, access | SQLITE_OPEN_NOMUTEX, file->m_sideFiles->Name());
     if (database == nullptr) {
         Refuse(ERROR_NOT_ENOUGH_MEMORY);
     }
     if (result != SQLITE_OK) {
         Throw(database, result);
     }
+    file->m_sideFiles->SetDatabase(database);
+    // A log that makes something else of the file stays beside it.
+    file->BringLogHome(false);
     ::sqlite3_extended_result_codes(database, 1);
     ::sqlite3_busy_handler(database, &WaitForOthers, nullptr);
     ::sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
@@ -251,8 +259,11 @@ std::unique_ptr<RegistryFile> RegistryFile::Open(std::string const& path, Regist
         }
         return nullptr;
     }
+    file->BringLogHome(true);
     return file;
 }
+
+RegistryFile::RegistryFile() : m_sideFiles(std::make_unique<RegistrySideFiles>()) {}
 
 RegistryFile::~RegistryFile()
 {
@@ -275,6 +286,9 @@ bool RegistryFile::Prepare(RegistryJournal journal)
     }
     if (!isNew) {
         CheckTables();
+    }
+    if (IsWritable()) {
+        m_sideFiles->RemoveStrayJournal();
     }
     Execute("COMMIT");
     if (isNew && !IsWritable()) {
@@ -413,9 +427,9 @@ std::int64_t RegistryFile::LastRow() const
     return ::sqlite3_last_insert_rowid(m_database);
 }
 
-void RegistryFile::CloseInHaste()
+void RegistryFile::BringLogHome(bool atTheEnd)
 {
-    ::sqlite3_db_config(m_database, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    ::sqlite3_db_config(m_database, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, atTheEnd ? 0 : 1, nullptr);
 }
 
 RegistryTransaction::RegistryTransaction(RegistryFile& file) : m_file(file)

@@ -47,6 +47,7 @@ enum class RegistryStatement
 };
 
 class RegistryFile;
+class RegistrySideFiles;
 
 // One use of a statement. What it gives out is valid until its next step or its end. Everything throws
 // RegistryFailure.
@@ -99,13 +100,14 @@ public:
     // the file has to be opened anew.
     bool IsStuck() const { return m_isStuck; }
 
-    // Makes the end quick: the next process to open the file has the rest of the work.
-    void CloseInHaste();
+    // Makes the end quick: the log stays beside the file, and the next process to open it has the rest of the
+    // work.
+    void CloseInHaste() { BringLogHome(false); }
 
 private:
     friend class RegistryQuery;
     friend class RegistryTransaction;
-    RegistryFile() = default;
+    RegistryFile();
 
     // False for an empty file that cannot be filled.
     bool Prepare(RegistryJournal journal);
@@ -117,9 +119,12 @@ private:
     std::int64_t Ask(char const* sql);
     template<typename Row>
     void Visit(char const* sql, Row visit);
+    // Whether closing writes into the file what is in its log.
+    void BringLogHome(bool atTheEnd);
     // Called by the data base at its work; other than 0 ends it.
     static int CountSteps(void* file);
 
+    std::unique_ptr<RegistrySideFiles> m_sideFiles;
     sqlite3* m_database = nullptr;
     bool m_isStuck = false;
     std::int64_t m_steps = 0; // of the statement at work

@@ -72,12 +72,7 @@ RegistryStore::Stores& RegistryStore::All()
         AtExit() = default;
         AtExit(AtExit const&) = delete;
         AtExit& operator=(AtExit const&) = delete;
-        ~AtExit()
-        {
-            All().Lock();
-            All().Close(false);
-            All().Unlock();
-        }
+        ~AtExit() { CloseFiles(); }
     } const atExit;
     return stores;
 }
@@ -90,6 +85,13 @@ RegistryStore& RegistryStore::User()
 RegistryStore& RegistryStore::Machine()
 {
     return All().machine;
+}
+
+void RegistryStore::CloseFiles()
+{
+    All().Lock();
+    All().Close(false);
+    All().Unlock();
 }
 
 void RegistryStore::FindPath()

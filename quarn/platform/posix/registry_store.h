@@ -38,6 +38,8 @@ class RegistryStore
 public:
     static RegistryStore& User();
     static RegistryStore& Machine();
+    // Closes both files; the next use opens them again.
+    static void CloseFiles();
 
     RegistryStore(RegistryStore const&) = delete;
     RegistryStore& operator=(RegistryStore const&) = delete;
