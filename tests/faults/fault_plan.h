@@ -11,8 +11,9 @@ namespace Faults {
 // Which calls count.
 enum class Kind
 {
-    Files,  // everything that the system does for us: files, folders, locks, the registry
-    Memory, // every allocation
+    Files,         // everything that the system does for us: files, folders, locks, the registry
+    Memory,        // every allocation
+    Interruptions, // what a signal comes into: of POSIX alone
 };
 
 enum class Span
@@ -26,7 +27,7 @@ struct Plan
     Kind kind;
     Span span;
     int number; // from 1
-    int error;  // what the failing call leaves in errno, or as the system's last error
+    int error; // what the failing call leaves in errno, or as the system's last error; 0 where it does a part
 };
 
 // Faults fall while this lives, in the one thread that made it. At most one at a time.

@@ -41,6 +41,22 @@ bool GivesBack(int command, void const* argument)
     return isLock && static_cast<struct ::flock const*>(argument)->l_type == F_UNLCK;
 }
 
+// A signal comes before the call has done anything.
+bool IsInterrupted(char const* function)
+{
+    if (Faults::Error() != EINTR || !Faults::Strikes(Faults::Kind::Interruptions, function)) {
+        return false;
+    }
+    errno = EINTR;
+    return true;
+}
+
+// A signal comes when the call has done a part.
+bool DoesAPart(char const* function)
+{
+    return Faults::Error() == 0 && Faults::Strikes(Faults::Kind::Interruptions, function);
+}
+
 } // namespace
 
 // NOLINTBEGIN(cppcoreguidelines-macro-usage,bugprone-reserved-identifier): one line for each function. Names
@@ -81,11 +97,6 @@ QUARN_HOOK(void*, reinterpret_cast<void*>(-1), mmap64,
            (void* at, std::size_t size, int protection, int flags, int file, ::off_t offset),
            (at, size, protection, flags, file, offset))
 QUARN_HOOK(void*, nullptr, opendir, (char const* path), (path))
-QUARN_HOOK(::ssize_t, -1, pread, (int file, void* data, std::size_t size, ::off_t offset),
-           (file, data, size, offset))
-QUARN_HOOK(::ssize_t, -1, pread64, (int file, void* data, std::size_t size, ::off_t offset),
-           (file, data, size, offset))
-QUARN_HOOK(::ssize_t, -1, read, (int file, void* data, std::size_t size), (file, data, size))
 QUARN_HOOK(void*, nullptr, readdir, (void* folder), (folder))
 QUARN_HOOK(::ssize_t, -1, readlink, (char const* path, char* target, std::size_t size), (path, target, size))
 QUARN_HOOK(int, -1, removexattr, (char const* path, char const* name), (path, name))
@@ -123,29 +134,39 @@ QUARN_HOOK(int, -1, vfprintf, (::FILE * file, char const* format, std::va_list a
 QUARN_SYNC_HOOK(fsync)
 QUARN_SYNC_HOOK(fdatasync)
 
-// What fails to write has written a half; what fails to close is closed.
+// What fails to read or write has done a half; what does a part has done that half, too, where there is one.
 
-#define QUARN_WRITE_HOOK(name, parameters, half, whole)                                                      \
+#define QUARN_TRANSFER_HOOK(name, parameters, half, whole)                                                   \
     extern "C" ::ssize_t Hook_##name parameters __asm__(#name);                                              \
     extern "C" ::ssize_t Hook_##name parameters                                                              \
     {                                                                                                        \
         QUARN_REAL(#name, ::ssize_t(*) parameters);                                                          \
-        if (!Strikes(#name)) {                                                                               \
-            return real whole;                                                                               \
+        if (IsInterrupted(#name)) {                                                                          \
+            return -1;                                                                                       \
         }                                                                                                    \
-        [[maybe_unused]] auto const written = real half;                                                     \
+        bool const fails = Strikes(#name);                                                                   \
+        ::ssize_t const done = fails || DoesAPart(#name) ? real half : 0;                                    \
+        if (!fails) {                                                                                        \
+            return done > 0 ? done : real whole;                                                             \
+        }                                                                                                    \
         errno = Faults::Error();                                                                             \
         return -1;                                                                                           \
     }
 
-QUARN_WRITE_HOOK(write, (int file, void const* data, std::size_t size), (file, data, size / 2),
-                 (file, data, size))
-QUARN_WRITE_HOOK(pwrite, (int file, void const* data, std::size_t size, ::off_t offset),
-                 (file, data, size / 2, offset), (file, data, size, offset))
-QUARN_WRITE_HOOK(pwrite64, (int file, void const* data, std::size_t size, ::off_t offset),
-                 (file, data, size / 2, offset), (file, data, size, offset))
-QUARN_WRITE_HOOK(writev, (int file, void const* parts, int count), (file, parts, count / 2),
-                 (file, parts, count))
+QUARN_TRANSFER_HOOK(pread, (int file, void* data, std::size_t size, ::off_t offset),
+                    (file, data, size / 2, offset), (file, data, size, offset))
+QUARN_TRANSFER_HOOK(pread64, (int file, void* data, std::size_t size, ::off_t offset),
+                    (file, data, size / 2, offset), (file, data, size, offset))
+QUARN_TRANSFER_HOOK(read, (int file, void* data, std::size_t size), (file, data, size / 2),
+                    (file, data, size))
+QUARN_TRANSFER_HOOK(write, (int file, void const* data, std::size_t size), (file, data, size / 2),
+                    (file, data, size))
+QUARN_TRANSFER_HOOK(pwrite, (int file, void const* data, std::size_t size, ::off_t offset),
+                    (file, data, size / 2, offset), (file, data, size, offset))
+QUARN_TRANSFER_HOOK(pwrite64, (int file, void const* data, std::size_t size, ::off_t offset),
+                    (file, data, size / 2, offset), (file, data, size, offset))
+QUARN_TRANSFER_HOOK(writev, (int file, void const* parts, int count), (file, parts, count / 2),
+                    (file, parts, count))
 
 #define QUARN_CLOSE_HOOK(name, type)                                                                         \
     extern "C" int Hook_##name(type) __asm__(#name);                                                         \
@@ -173,7 +194,8 @@ QUARN_CLOSE_HOOK(fclose, ::FILE*)
         va_start(arguments, flags);                                                                          \
         auto const mode = va_arg(arguments, ::mode_t);                                                       \
         va_end(arguments);                                                                                   \
-        return IsDeniedTemporary(path, flags) || Strikes(#name) ? -1 : real(path, flags, mode);              \
+        bool const fails = IsDeniedTemporary(path, flags) || IsInterrupted(#name) || Strikes(#name);         \
+        return fails ? -1 : real(path, flags, mode);                                                         \
     }
 
 QUARN_OPEN_HOOK(open)
@@ -190,6 +212,7 @@ extern "C" int Hook_linkat(int first, char const* from, int second, char const* 
     return Strikes("linkat") ? -1 : real(first, from, second, to, flags);
 }
 
+// Interrupted are our own locks alone: those of SQLite are not where the files are local.
 #define QUARN_CONTROL_HOOK(name)                                                                             \
     extern "C" int Hook_##name(int file, int command, ...) __asm__(#name);                                   \
     extern "C" int Hook_##name(int file, int command, ...)                                                   \
@@ -199,7 +222,9 @@ extern "C" int Hook_linkat(int first, char const* from, int second, char const* 
         va_start(arguments, command);                                                                        \
         void* const argument = va_arg(arguments, void*);                                                     \
         va_end(arguments);                                                                                   \
-        return !GivesBack(command, argument) && Strikes(#name) ? -1 : real(file, command, argument);         \
+        bool const fails = (command == F_OFD_SETLK && IsInterrupted(#name)) ||                               \
+                           (!GivesBack(command, argument) && Strikes(#name));                                \
+        return fails ? -1 : real(file, command, argument);                                                   \
     }
 
 QUARN_CONTROL_HOOK(fcntl)
