@@ -1,5 +1,8 @@
-// The registry, and stores that are seeded from it, with every single call of the platform failing.
+// The registry, its keys and values and the stores that are seeded from it, with every single call of the
+// platform failing.
 #include "quarn/properties/win32/property_stores.h"
+#include "quarn/registry/registry_key.h"
+#include "quarn/registry/registry_value.h"
 
 #include "tests/faults/registry_faults.h"
 #include "tests/faults/resources.h"
@@ -8,6 +11,7 @@
 #include "tests/registry/throw_away_key.h"
 
 #include <algorithm>
+#include <new>
 
 #include <gtest/gtest.h>
 
@@ -66,6 +70,8 @@ protected:
     }
     ~RegistryFaults() override { RemoveTree(HKEY_CURRENT_USER, Root); }
 };
+
+#if !defined(_WIN32) // whose registry is not ours
 
 TEST_F(RegistryFaults, WhatWasAnsweredWithSuccessIsThereAndTheRestIsWhole)
 {
@@ -136,6 +142,71 @@ TEST_F(RegistryFaults, FilesThatCannotBeOpenedAreAnErrorAndCanBeOpenedLater)
             resources.ExpectSame();
         });
     EXPECT_GT(figures.refusals, 100 / Faults::AllocationStep());
+    RecordFigures(figures);
+}
+
+#endif
+
+// What the library's own classes say of a key's values.
+struct Classes
+{
+    bool isOpen = false;
+    bool isTextWritten = false;
+    bool isNumberWritten = false;
+    bool isRead = false;
+    bool isClosed = false;
+
+    bool Run(Quarn::string const& text, unsigned long number)
+    try {
+        Win32Quarn::CurrentUserKey key(Path);
+        isOpen = key.Open("");
+        if (!isOpen) {
+            EXPECT_NE(key.GetLastError(), 0);
+            return false;
+        }
+        isTextWritten = Win32Quarn::RegistryValue(key, "text").Write(text);
+        isNumberWritten = Win32Quarn::RegistryValue(key, "number").Write(number);
+        Quarn::string read;
+        isRead = Win32Quarn::RegistryValue(key, "text").Read(read, nullptr);
+        EXPECT_TRUE(!isRead || !isTextWritten || read == text) << read;
+        isClosed = key.Close();
+        EXPECT_TRUE(isClosed || key.GetLastError() != 0);
+        return isTextWritten && isNumberWritten && isRead && isClosed;
+    } catch (std::bad_alloc const&) {
+        return false;
+    }
+};
+
+TEST_F(RegistryFaults, KeysAndValuesSayWhatFailedAndLeaveOldValuesOrNewOnes)
+{
+    Quarn::string const texts[] = {"the old text, which is not a short one", "the new text"};
+    constexpr unsigned long Numbers[] = {7, 8};
+    Classes classes;
+    Resources resources;
+    auto const figures = Faults::ForEveryFault(
+        RegistryPlans(),
+        [&] {
+            ASSERT_TRUE(Classes().Run(texts[0], Numbers[0]));
+            classes = {};
+        },
+        [&] { return classes.Run(texts[1], Numbers[1]); },
+        [&](bool isWritten, char const* struck) {
+            EXPECT_TRUE(isWritten || struck != nullptr);
+            {
+                Win32Quarn::CurrentUserKey key(Path);
+                ASSERT_TRUE(key.OpenRead(""));
+                Quarn::string text;
+                unsigned long number = 0;
+                EXPECT_TRUE(Win32Quarn::RegistryValue(key, "text").Read(text, nullptr));
+                EXPECT_TRUE(Win32Quarn::RegistryValue(key, "number").Read(&number));
+                EXPECT_TRUE(text == texts[1] || (text == texts[0] && !classes.isTextWritten)) << text;
+                EXPECT_TRUE(number == Numbers[1] || (number == Numbers[0] && !classes.isNumberWritten))
+                    << number;
+            }
+            EXPECT_TRUE(Classes().Run(texts[1], Numbers[1]));
+            resources.ExpectSame();
+        });
+    EXPECT_GT(figures.refusals, 5);
     RecordFigures(figures);
 }
 
