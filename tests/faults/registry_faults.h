@@ -8,3 +8,7 @@ std::vector<Faults::Plan> RegistryPlans();
 
 // The next use of the registry opens its files again.
 void CloseRegistryFiles();
+
+// Whether that function's failure can end an enumeration, which the reader of the registry deliberately takes
+// for its end.
+bool EndsEnumerations(char const* function);

@@ -28,7 +28,7 @@ public:
     // tree counts as changed. False when the key or a direct sub-key cannot be opened for reading, or the
     // list of the direct sub-keys breaks off; what was read until then stays. A failure deeper in the tree is
     // deliberately not reported. A value with a name of 512 bytes or more, or with more than 8,192 bytes of
-    // data, ends the reading of its key's values without a word.
+    // data, or one that the system fails to read, ends the reading of its key's values without a word.
     bool Populate(PropertyKey* target) const;
 
 private:
