@@ -3,10 +3,12 @@
 #include "quarn/properties/win32/property_stores.h"
 
 #include "tests/faults/fault_loop.h"
+#include "tests/faults/name_hash.h"
 #include "tests/faults/resources.h"
 #include "tests/properties/private_folders.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <optional>
 
 #include <gtest/gtest.h>
@@ -57,6 +59,21 @@ protected:
         WriteContent(m_path, content);
     }
     void Reset() const { Reset(m_old); }
+
+    // What savers leave that are killed in the middle, one of them with a read-only file in hand.
+    void LeaveTemporaries() const
+    {
+        for (int const number : {1, 2}) {
+            char name[32];
+            std::snprintf(name, sizeof name, ".~%08x-1-%d.tmp", static_cast<unsigned>(NameHash(m_file)),
+                          number);
+            std::string const path = (std::filesystem::path(DataFolder()) / name).string();
+            WriteContent(path, "half");
+            if (number == 2) {
+                MakeReadOnly(path);
+            }
+        }
+    }
 
     // How many of the files in the folder have this content.
     static long Copies(std::filesystem::path const& folder, std::string const& content)
@@ -127,6 +144,7 @@ TEST_F(SettingsFaults, ASaveThatFailsLeavesTheOldFileOrTheNewOneWhole)
         Faults::Plans(),
         [&] {
             Reset();
+            LeaveTemporaries();
             store = Store();
             ASSERT_TRUE(store->Populate());
             SetText(*store, "new");
