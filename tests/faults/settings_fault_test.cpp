@@ -99,13 +99,13 @@ protected:
     }
 
     // A save over a file that did not load, which has a second name before it loses its first.
-    void ExpectSecondNames()
+    Faults::Figures ExpectSecondNames(std::vector<Faults::Plan> const& plans)
     {
         std::unique_ptr<QuarnProperties> store;
         std::string const spoiled = m_old.substr(0, m_old.size() / 2);
         Resources resources(m_path);
         auto const figures = Faults::ForEveryFault(
-            Faults::Plans(),
+            plans,
             [&] {
                 Reset(spoiled);
                 store = Store();
@@ -127,8 +127,8 @@ protected:
                 store.reset();
                 resources.ExpectSame();
             });
-        EXPECT_GT(figures.refusals, 100 / Faults::AllocationStep());
         RecordFigures(figures);
+        return figures;
     }
 
     std::string m_path;
@@ -197,14 +197,16 @@ TEST_F(SettingsFaults, AFileThatLoadsNotOrNotWholeIsKeptUnderASecondName)
 
 TEST_F(SettingsFaults, ASaveOverAFileThatDidNotLoadHasAlwaysASecondNameForIt)
 {
-    ExpectSecondNames();
+    EXPECT_GT(ExpectSecondNames(Faults::Plans()).refusals, 100 / Faults::AllocationStep());
 }
 
-// The second name is a copy's then.
+// The second name is a copy's then. What that needs is calls of the system.
 TEST_F(SettingsFaults, ASaveOverAFileThatDidNotLoadHasAWholeCopyOfItWhereThereAreNoLinks)
 {
+    std::vector<Faults::Plan> plans = Faults::Plans();
+    std::erase_if(plans, [](Faults::Plan const& plan) { return plan.kind == Faults::Kind::Memory; });
     Faults::RefuseLinks(true);
-    ExpectSecondNames();
+    EXPECT_GT(ExpectSecondNames(plans).refusals, 20);
     Faults::RefuseLinks(false);
 }
 

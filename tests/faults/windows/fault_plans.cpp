@@ -21,11 +21,11 @@ std::vector<Plan> Plans()
 {
     std::vector<Plan> plans = {{Kind::Memory, Span::One, 1, ENOMEM},
                                {Kind::Memory, Span::Rest, 1, ENOMEM},
-                               {Kind::Files, Span::One, 1, EIO},
                                {Kind::Files, Span::One, 1, EBUSY},
                                {Kind::Files, Span::Rest, 1, EACCES}};
     if (IsComplete()) {
-        plans.insert(plans.end(), {{Kind::Files, Span::One, 1, EACCES},
+        plans.insert(plans.end(), {{Kind::Files, Span::One, 1, EIO},
+                                   {Kind::Files, Span::One, 1, EACCES},
                                    {Kind::Files, Span::One, 1, ENOMEM},
                                    {Kind::Files, Span::Rest, 1, EBUSY},
                                    {Kind::Files, Span::Rest, 1, ENOSPC},
