@@ -6,6 +6,7 @@
 # Forms, all of them by default:
 #   kills       writers of settings and of a journal, killed at random moments; nothing may be lost
 #   processes   eight processes at once on one settings file, one registry, one companion library
+#   faults      every call of the system and every allocation that can fail, on Linux and under Wine
 #   zones       the native tests in five time zones
 #   doubles     Format of random doubles against the C library's
 #   documents   settings documents, good and bad, against a second XML library
@@ -23,7 +24,7 @@ cd "$root" || exit 1
 . scripts/packages.sh
 . scripts/fuzz.sh
 
-all=(kills processes zones doubles documents fuzz)
+all=(kills processes faults zones doubles documents fuzz)
 declare -A number=([kills]=2000 [saves]=1000 [doubles]=10000000 [documents]=200000 [minutes]=10)
 
 usage() {
@@ -33,22 +34,26 @@ usage() {
 
 # ---- what a form is made of: it says what it does in $what, and what came of it in $figure.
 
-# programs NAME...: builds these of the native build.
+# The build that programs are taken from.
+preset=native-debug
+
+# programs NAME...: builds these.
 programs() {
-    say "Building $*"
-    quietly native-debug-configure cmake --preset native-debug &&
-        quietly native-debug-build cmake --build --preset native-debug --parallel "$jobs" --target "$@"
+    say "Building $* of $preset"
+    quietly "$preset-configure" cmake --preset "$preset" &&
+        quietly "$preset-build" cmake --build --preset "$preset" --parallel "$jobs" --target "$@"
 }
 
-# figures PROGRAM FILTER: runs tests of the native build; what they print as a figure becomes part of $figure.
+# figures PROGRAM FILTER: runs tests; what they print as a figure becomes part of $figure.
 figures() {
-    local log=$root/build/logs/full-$form-$1.log status
-    (cd build/native-debug/tests && "../bin/$1" --gtest_filter="$2") </dev/null >"$log" 2>&1
-    status=$?
+    local log=$root/build/logs/full-$form-$1.log status run=("../bin/$1")
+    [ "$preset" = native-debug ] || run=("$root/scripts/wine-run" "$root/build/$preset/wine" "../bin/$1.exe")
+    (cd "build/$preset/tests" && "${run[@]}" --gtest_filter="$2") </dev/null 2>&1 | tr -d '\r' >"$log"
+    status=${PIPESTATUS[0]}
     figure+=$(sed -n 's/^figure: /; /p' "$log" | tr -d '\n')
     figure=${figure#; }
     # A filter that finds nothing passes, too.
-    grep -q '^\[  PASSED  \] [1-9]' "$log" && [ $status = 0 ] && return
+    grep -q '^\[  PASSED  \] [1-9]' "$log" && [ "$status" = 0 ] && return
     tail -n 60 "$log" >&2
     return 1
 }
@@ -68,6 +73,17 @@ processes() {
     figures xml_process_test 'XmlProcesses.Eight*' || status=1
     figures reliability_test 'Processes.*' || status=1
     figures library_test 'LibraryMutexProcess.Eight*' || status=1
+    return $status
+}
+
+faults() {
+    what="each call and allocation, in turn"
+    local status=0 preset=native-debug
+    programs fault_test && figures fault_test '*' || status=1
+    figure+=' on Linux'
+    preset=windows-release
+    programs fault_test && QUARN_FAULTS=all figures fault_test '*' || status=1
+    figure+=' on Windows'
     return $status
 }
 
@@ -133,7 +149,8 @@ while [ $# -gt 0 ]; do
 done
 [ ${#forms[@]} -gt 0 ] || forms=("${all[@]}")
 
-install_packages "${packages_build[@]}" "${packages_test[@]}" "${packages_check[@]}" || exit 1
+install_packages "${packages_build[@]}" "${packages_test[@]}" "${packages_check[@]}" "${packages_windows[@]}" \
+    "${packages_windows_test[@]}" || exit 1
 rows=()
 status=0
 for form in "${forms[@]}"; do

@@ -26,6 +26,9 @@ struct Figures
     int refusals = 0; // results other than success
 };
 
+// Puts the figures of a test beside its result, and the failures into the sum that is shown at the end.
+void RecordFigures(Figures const& figures);
+
 // For every plan and n: prepare(), then operation() with the fault, then check(its result, the function that
 // failed; null where none did).
 template<typename Prepare, typename Operation, typename Check>

@@ -79,7 +79,7 @@ TEST(StreamFaults, NoWriteIsLostSilently)
             resources.ExpectSame();
         });
     EXPECT_GT(figures.refusals, 20 / Faults::AllocationStep());
-    RecordFigures(figures);
+    Faults::RecordFigures(figures);
 }
 
 TEST(StreamFaults, NoReadIsWrongSilently)
@@ -96,7 +96,7 @@ TEST(StreamFaults, NoReadIsWrongSilently)
             resources.ExpectSame();
         });
     EXPECT_GT(figures.refusals, 20 / Faults::AllocationStep());
-    RecordFigures(figures);
+    Faults::RecordFigures(figures);
 }
 
 // Three messages: into a file that stays open, with a date, and one that closes the file.
@@ -145,7 +145,7 @@ TEST(LogFaults, EveryFailureIsReportedAndTheNextMessageIsWritten)
         });
     EXPECT_EQ(Log::SetPath(""), 0);
     EXPECT_GT(figures.refusals, 20 / Faults::AllocationStep());
-    RecordFigures(figures);
+    Faults::RecordFigures(figures);
 }
 
 TEST(LogFaults, WithoutMemoryForItsPathTheLogFailsAndTriesAgain)
@@ -166,7 +166,7 @@ TEST(LogFaults, WithoutMemoryForItsPathTheLogFailsAndTriesAgain)
         });
     EXPECT_EQ(Log::SetPath(""), 0);
     EXPECT_GT(figures.refusals, 0);
-    RecordFigures(figures);
+    Faults::RecordFigures(figures);
 }
 
 } // namespace

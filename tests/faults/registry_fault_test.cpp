@@ -119,7 +119,7 @@ TEST_F(RegistryFaults, WhatWasAnsweredWithSuccessIsThereAndTheRestIsWhole)
             resources.ExpectSame();
         });
     EXPECT_GT(figures.refusals, 100 / Faults::AllocationStep());
-    RecordFigures(figures);
+    Faults::RecordFigures(figures);
 }
 
 TEST_F(RegistryFaults, FilesThatCannotBeOpenedAreAnErrorAndCanBeOpenedLater)
@@ -142,7 +142,7 @@ TEST_F(RegistryFaults, FilesThatCannotBeOpenedAreAnErrorAndCanBeOpenedLater)
             resources.ExpectSame();
         });
     EXPECT_GT(figures.refusals, 100 / Faults::AllocationStep());
-    RecordFigures(figures);
+    Faults::RecordFigures(figures);
 }
 
 #endif
@@ -207,7 +207,7 @@ TEST_F(RegistryFaults, KeysAndValuesSayWhatFailedAndLeaveOldValuesOrNewOnes)
             resources.ExpectSame();
         });
     EXPECT_GT(figures.refusals, 5);
-    RecordFigures(figures);
+    Faults::RecordFigures(figures);
 }
 
 TEST_F(RegistryFaults, ASeedingIsWholeOrReportedUnlessAnEnumerationEndsEarlyDeliberately)
@@ -245,7 +245,7 @@ TEST_F(RegistryFaults, ASeedingIsWholeOrReportedUnlessAnEnumerationEndsEarlyDeli
             resources.ExpectSame();
         });
     EXPECT_GT(figures.refusals, 100 / Faults::AllocationStep());
-    RecordFigures(figures);
+    Faults::RecordFigures(figures);
 }
 
 } // namespace

@@ -45,10 +45,3 @@ private:
     std::string m_settingsFile;
     std::optional<Use> m_first;
 };
-
-// Puts the figures of a test beside its result.
-inline void RecordFigures(Faults::Figures const& figures)
-{
-    ::testing::Test::RecordProperty("faults", figures.faults);
-    ::testing::Test::RecordProperty("refusals", figures.refusals);
-}

@@ -127,7 +127,7 @@ protected:
                 store.reset();
                 resources.ExpectSame();
             });
-        RecordFigures(figures);
+        Faults::RecordFigures(figures);
         return figures;
     }
 
@@ -159,7 +159,7 @@ TEST_F(SettingsFaults, ASaveThatFailsLeavesTheOldFileOrTheNewOneWhole)
             resources.ExpectSame();
         });
     EXPECT_GT(figures.refusals, 100 / Faults::AllocationStep());
-    RecordFigures(figures);
+    Faults::RecordFigures(figures);
 }
 
 TEST_F(SettingsFaults, AFileThatLoadsNotOrNotWholeIsKeptUnderASecondName)
@@ -192,7 +192,7 @@ TEST_F(SettingsFaults, AFileThatLoadsNotOrNotWholeIsKeptUnderASecondName)
             resources.ExpectSame();
         });
     EXPECT_GT(figures.refusals, 100 / Faults::AllocationStep());
-    RecordFigures(figures);
+    Faults::RecordFigures(figures);
 }
 
 TEST_F(SettingsFaults, ASaveOverAFileThatDidNotLoadHasAlwaysASecondNameForIt)
@@ -243,14 +243,14 @@ TEST_F(SettingsFaults, ASaveInPlaceLeavesTheOldContentInTheFileOrInACopy)
             resources.ExpectSame();
         });
     EXPECT_GT(figures.refusals, 100 / Faults::AllocationStep());
-    RecordFigures(figures);
+    Faults::RecordFigures(figures);
 }
 
 TEST_F(SettingsFaults, TheDestructorsSaveLeavesTheOldFileOrTheNewOneWhole)
 {
     std::unique_ptr<QuarnProperties> store;
     Resources resources(m_path);
-    RecordFigures(Faults::ForEveryFault(
+    Faults::RecordFigures(Faults::ForEveryFault(
         Faults::Plans(),
         [&] {
             Reset();
@@ -302,7 +302,7 @@ TEST_F(SettingsFaults, ABackupIsCompleteOrNotThere)
             resources.ExpectSame();
         });
     EXPECT_GT(figures.refusals, 100 / Faults::AllocationStep());
-    RecordFigures(figures);
+    Faults::RecordFigures(figures);
 }
 
 TEST_F(SettingsFaults, RestoringLosesNeitherTheFileNorTheBackup)
@@ -343,14 +343,14 @@ TEST_F(SettingsFaults, RestoringLosesNeitherTheFileNorTheBackup)
             resources.ExpectSame();
         });
     EXPECT_GT(figures.refusals, 100 / Faults::AllocationStep());
-    RecordFigures(figures);
+    Faults::RecordFigures(figures);
 }
 
 TEST_F(SettingsFaults, RemovingDeletesTheFileOrLeavesItWhole)
 {
     std::unique_ptr<QuarnProperties> store;
     Resources resources(m_path);
-    RecordFigures(Faults::ForEveryFault(
+    Faults::RecordFigures(Faults::ForEveryFault(
         Faults::Plans(),
         [&] {
             Reset();
