@@ -1,5 +1,6 @@
 #include "tests/faults/fault_plan.h"
 
+#include <atomic>
 #include <cstring>
 
 namespace Faults {
@@ -14,8 +15,8 @@ struct State
     char const* struck = nullptr;
     bool deniesTemporaries = false;
     bool refusesLinks = false;
-    std::uint64_t waited = 0;
-    std::ptrdiff_t blocks = 0;
+    std::atomic<std::uint64_t> waited = 0; // like the blocks, also asked for by other threads
+    std::atomic<std::ptrdiff_t> blocks = 0;
 };
 
 constinit State g_state;

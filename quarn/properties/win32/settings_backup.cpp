@@ -47,7 +47,7 @@ bool CreateBackup(string const& path, string& backup)
     if (lock.IsOwned()) {
         RemoveTemporaries(parts);
     }
-    TemporaryFile temporary(parts);
+    TemporaryFile temporary(parts, lock);
     return temporary.Error() == ERROR_SUCCESS && temporary.TakePermissionsOf(path) &&
            temporary.Write(content) &&
            ((attributes & FILE_ATTRIBUTE_READONLY) == 0 || temporary.MakeReadOnly()) &&
@@ -71,7 +71,7 @@ bool Restore(string const& path, string const& backupPath)
         RemoveTemporaries(resolved);
     }
     string const whole = resolved.Whole();
-    TemporaryFile temporary(resolved);
+    TemporaryFile temporary(resolved, lock);
     return temporary.Error() == ERROR_SUCCESS && temporary.TakePermissionsOf(whole) &&
            temporary.Write(content) && temporary.MoveOver(whole);
 }

@@ -11,7 +11,7 @@ namespace Quarn::detail {
 
 namespace {
 
-bool GiveSecondName(SettingsPath const& path, string& name)
+bool GiveSecondName(SettingsPath const& path, SaveLock const& lock, string& name)
 {
     string const whole = path.Whole();
     for (std::uint32_t stamp = BackupStamp();; ++stamp) {
@@ -26,7 +26,7 @@ bool GiveSecondName(SettingsPath const& path, string& name)
             continue;
         }
         // Not every file system has links. The copy gets the name when it is whole.
-        TemporaryFile copy(path);
+        TemporaryFile copy(path, lock);
         if (copy.Error() != ERROR_SUCCESS || !copy.TakePermissionsOf(whole) || !copy.TakeContentOf(whole)) {
             return false;
         }
@@ -56,7 +56,7 @@ bool ReplaceSettingsFile(string const& path, std::string_view content, bool& kee
     if (lock.IsOwned()) {
         RemoveTemporaries(resolved);
     }
-    TemporaryFile temporary(resolved);
+    TemporaryFile temporary(resolved, lock);
     if (temporary.Error() == ERROR_ACCESS_DENIED && exists && !keepOld) {
         return OverwriteSettingsFile(resolved, content);
     }
@@ -66,7 +66,7 @@ bool ReplaceSettingsFile(string const& path, std::string_view content, bool& kee
     }
     string secondName;
     if (keepOld && exists) {
-        if (!GiveSecondName(resolved, secondName)) {
+        if (!GiveSecondName(resolved, lock, secondName)) {
             return false;
         }
         keepOld = false;

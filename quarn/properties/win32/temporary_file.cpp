@@ -22,6 +22,22 @@ void Remove(string const& name)
     }
 }
 
+// A claim is there as long as it is open, and ends with its process.
+HANDLE Claim(string const& fileName)
+{
+    return ::CreateMutexA(nullptr, FALSE, ("Global\\QuarnUtil-" + fileName).c_str());
+}
+
+bool IsClaimed(string const& fileName)
+{
+    HANDLE const claim = Claim(fileName);
+    bool const isElsewhere = claim != nullptr && ::GetLastError() == ERROR_ALREADY_EXISTS;
+    if (claim != nullptr) {
+        ::CloseHandle(claim);
+    }
+    return isElsewhere;
+}
+
 } // namespace
 
 TemporaryFile::~TemporaryFile()
@@ -29,6 +45,9 @@ TemporaryFile::~TemporaryFile()
     if (m_exists) {
         m_file.Close();
         Remove(m_name);
+    }
+    if (m_claim != nullptr) {
+        ::CloseHandle(m_claim);
     }
 }
 
@@ -95,13 +114,17 @@ bool TemporaryFile::Move(string const& name, DWORD flags)
     return true;
 }
 
-HANDLE TemporaryFile::Create(SettingsPath const& path)
+HANDLE TemporaryFile::Create(SettingsPath const& path, bool isClaimed)
 {
     static std::atomic<unsigned int> number = 0;
     constexpr int Attempts = 100;
     HANDLE file = INVALID_HANDLE_VALUE;
     for (int i = 0; i < Attempts && file == INVALID_HANDLE_VALUE; ++i) {
         m_name = TemporaryName(path, ++number);
+        if (m_claim != nullptr) {
+            ::CloseHandle(m_claim);
+        }
+        m_claim = isClaimed ? Claim(m_name.substr(path.folder.size())) : nullptr;
         file = ::CreateFileA(m_name.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
                              FILE_ATTRIBUTE_NORMAL, nullptr);
         m_error = file == INVALID_HANDLE_VALUE ? ::GetLastError() : ERROR_SUCCESS;
@@ -116,7 +139,9 @@ HANDLE TemporaryFile::Create(SettingsPath const& path)
 void RemoveTemporaries(SettingsPath const& path)
 {
     for (string const& name : FindFiles(TemporaryPattern(path))) {
-        Remove(path.folder + name);
+        if (!IsClaimed(name)) {
+            Remove(path.folder + name);
+        }
     }
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "quarn/properties/win32/file_handle.h"
+#include "quarn/properties/win32/save_lock.h"
 #include "quarn/properties/win32/settings_path.h"
 
 #include <string_view>
@@ -12,8 +13,9 @@ namespace Quarn::detail {
 class TemporaryFile
 {
 public:
-    // A new, empty file in the folder of `path`, under one of its temporary names.
-    explicit TemporaryFile(SettingsPath const& path) : m_file(Create(path)) {}
+    // A new, empty file in the folder of `path`, under one of its temporary names. Without the lock the file
+    // is claimed, and so whoever has the lock lets it stand.
+    TemporaryFile(SettingsPath const& path, SaveLock const& lock) : m_file(Create(path, !lock.IsOwned())) {}
     TemporaryFile(TemporaryFile const&) = delete;
     TemporaryFile& operator=(TemporaryFile const&) = delete;
     ~TemporaryFile();
@@ -38,17 +40,18 @@ public:
     bool IsThere() const;
 
 private:
-    HANDLE Create(SettingsPath const& path);
+    HANDLE Create(SettingsPath const& path, bool isClaimed);
     bool Move(string const& name, DWORD flags);
 
     string m_name;
     DWORD m_error = ERROR_SUCCESS;
     bool m_exists = false;
+    HANDLE m_claim = nullptr;
     FileHandle m_file;
 };
 
-// Removes the temporary files of dead savers: of all savers, so only whoever holds the file's lock may.
-// Throws std::bad_alloc.
+// Removes the temporary files of dead savers: all that nobody claims, so only whoever holds the file's lock
+// may. Throws std::bad_alloc.
 void RemoveTemporaries(SettingsPath const& path);
 
 } // namespace Quarn::detail

@@ -7,7 +7,9 @@
 #include "tests/faults/posix/lock_name.h"
 #include "tests/platform/scratch_folder.h"
 
+#include <atomic>
 #include <climits>
+#include <functional>
 #include <future>
 #include <thread>
 
@@ -29,11 +31,15 @@ bool Save(std::string const& path, std::string const& text)
 class OtherSaver
 {
 public:
-    explicit OtherSaver(std::string const& file)
-        : m_thread([this, name = "Global\\QuarnUtil-" + SettingsLockName(file)] {
+    // Does the work again and again meanwhile.
+    explicit OtherSaver(
+        std::string const& file, std::function<void()> const& work = [] { std::this_thread::yield(); })
+        : m_thread([this, work, name = "Global\\QuarnUtil-" + SettingsLockName(file)] {
               HANDLE const mutex = ::CreateMutexA(nullptr, TRUE, name.c_str());
               m_owns.set_value(mutex != nullptr && ::GetLastError() != ERROR_ALREADY_EXISTS);
-              m_end.get_future().wait();
+              while (!m_end) {
+                  work();
+              }
               ::ReleaseMutex(mutex);
               ::CloseHandle(mutex);
           })
@@ -42,7 +48,7 @@ public:
     OtherSaver& operator=(OtherSaver const&) = delete;
     ~OtherSaver()
     {
-        m_end.set_value();
+        m_end = true;
         m_thread.join();
     }
 
@@ -50,7 +56,7 @@ public:
 
 private:
     std::promise<bool> m_owns;
-    std::promise<void> m_end;
+    std::atomic<bool> m_end = false;
     std::thread m_thread;
 };
 
@@ -76,6 +82,20 @@ TEST(SaveLock, IsWaitedForFiveSecondsAndThenDoneWithout)
     EXPECT_TRUE(Save(file, "second"));
     EXPECT_EQ(Faults::Waited(), before);
     EXPECT_EQ(scratch.Names(), Names{"a.xml"});
+}
+
+TEST(SaveLock, WhoeverDoesWithoutSucceedsBesideItsOwner)
+{
+    ScratchFolder const scratch;
+    std::string const file = scratch / "a.xml";
+    OtherSaver other(file, [&file] { EXPECT_TRUE(Save(file, "the owner's")); });
+    ASSERT_TRUE(other.Owns());
+    Faults::Armed const never({Faults::Kind::Files, Faults::Span::One, INT_MAX, 0});
+    for (int i = 0; i < 30; ++i) {
+        std::uint64_t const before = Faults::Waited();
+        EXPECT_TRUE(Save(file, "the other's"));
+        EXPECT_GT(Faults::Waited(), before);
+    }
 }
 
 } // namespace
