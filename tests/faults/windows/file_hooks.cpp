@@ -93,7 +93,6 @@ QUARN_HOOK(DWORD, 0, GetFinalPathNameByHandleA, (HANDLE file, char* path, DWORD 
 QUARN_HOOK(DWORD, 0, GetFullPathNameA, (char const* path, DWORD size, char* full, char** name),
            (path, size, full, name))
 QUARN_HOOK(DWORD, 0, GetModuleFileNameA, (HMODULE module, char* path, DWORD size), (module, path, size))
-QUARN_HOOK(BOOL, FALSE, MoveFileExA, (char const* from, char const* to, DWORD flags), (from, to, flags))
 QUARN_HOOK(BOOL, FALSE, ReadFile, (HANDLE file, void* data, DWORD size, DWORD* read, OVERLAPPED* overlapped),
            (file, data, size, read, overlapped))
 QUARN_HOOK(BOOL, FALSE, SetEndOfFile, (HANDLE file), (file))
@@ -126,6 +125,18 @@ static BOOL Hook_WriteFile(HANDLE file, void const* data, DWORD size, DWORD* wri
     return fails ? Failed(FALSE) : done;
 }
 static Faults::Hook const g_hook_WriteFile("WriteFile", reinterpret_cast<void*>(Hook_WriteFile));
+
+// A device that breaks may have moved the file before, and not have the new name for good.
+static BOOL Hook_MoveFileExA(char const* from, char const* to, DWORD flags)
+{
+    bool const fails = FallsOn("MoveFileExA");
+    if (fails && Faults::Error() != EIO) {
+        return Failed(FALSE);
+    }
+    BOOL const done = ::MoveFileExA(from, to, flags);
+    return fails ? Failed(FALSE) : done;
+}
+static Faults::Hook const g_hook_MoveFileExA("MoveFileExA", reinterpret_cast<void*>(Hook_MoveFileExA));
 
 static BOOL Hook_CreateHardLinkA(char const* name, char const* file, SECURITY_ATTRIBUTES* security)
 {
