@@ -1,9 +1,10 @@
 // The reader of packed records, with both ways of reading texts, beside one that follows the language step by
-// step on strings of its own.
+// step on strings of its own; and Unpack, which takes fewer records, and none otherwise.
 //
 // Input: a format, a line feed, a record.
 #include "quarn/text/packed_record.h"
 
+#include "quarn/packing/unpack.h"
 #include "quarn/text/number_text.h"
 
 #include "fuzz/memory_bound.h"
@@ -27,6 +28,8 @@ constexpr std::size_t MaxItems = 8;
 // A text grows in its string, and may be read by each of the eight items; a decimal number out of range goes
 // through a stream.
 constexpr fuzz::MemoryBound Bound = {"packed_record", 2048, 3 * MaxItems};
+// The record and its first text, while that grows.
+constexpr fuzz::MemoryBound UnpackBound = {"unpack", 512, 4};
 
 struct Items
 {
@@ -131,6 +134,33 @@ void Check(bool holds, char const* what)
     }
 }
 
+// What Unpack takes, Readf takes, too; what it refuses changes nothing.
+void CheckUnpack(string const& record)
+{
+    Quarn::PropertyValue const value("v", record, nullptr);
+    int number = 1;
+    string text = "old";
+    unsigned int positive = 2;
+    bool truth = true;
+    Quarn::HighFirst high{3};
+    Quarn::LowFirst low{4};
+    Quarn::UnpackResult result;
+    fuzz::Watch(UnpackBound, record.size(),
+                [&] { result = Quarn::Unpack(value, text, number, positive, truth, high, low); });
+    if (!result) {
+        Check(number == 1 && text == "old" && positive == 2 && truth && high.value == 3 && low.value == 4,
+              "a record that is refused changes an item\n");
+        Check(result.item <= 6, "no such item\n");
+        return;
+    }
+    Items const read = ReadItems(record.c_str(), DrivePaths::Literal, "tiDbTv");
+    Check(read.complete && read.texts[0] == text &&
+              static_cast<std::uint32_t>(read.numbers[1]) == static_cast<std::uint32_t>(number) &&
+              read.numbers[2] == positive && (read.numbers[3] & 1) == (truth ? 1U : 0U) &&
+              read.numbers[4] == high.value && read.numbers[5] == low.value,
+          "other items are unpacked\n");
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
@@ -164,5 +194,6 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
             }
         }
     }
+    CheckUnpack(record);
     return 0;
 }

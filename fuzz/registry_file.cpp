@@ -6,6 +6,8 @@
 #include "quarn/platform/posix/registry_store.h"
 #include "quarn/properties/property_collection.h"
 #include "quarn/properties/win32/registry_persist.h"
+#include "quarn/registry/registry_enum.h"
+#include "quarn/registry/registry_value.h"
 
 #include "fuzz/memory_bound.h"
 #include "fuzz/registry_folder.h"
@@ -38,6 +40,35 @@ bool IsSound(std::string const& path)
     return isSound;
 }
 
+// The values through the classes: a text is the value's bytes up to the first zero.
+void ReadValues()
+{
+    Win32Quarn::CurrentUserKey key;
+    if (!key.OpenRead("")) {
+        return;
+    }
+    Quarn::StringList names;
+    Win32Quarn::RegistryValueEnum(key).Read(names);
+    for (Quarn::string const& name : names) {
+        Win32Quarn::RegistryValue value(key, name);
+        DWORD size = 0;
+        ::RegQueryValueExA(HKEY_CURRENT_USER, name.c_str(), nullptr, nullptr, nullptr, &size);
+        std::string bytes(size, '\0');
+        long const code = ::RegQueryValueExA(HKEY_CURRENT_USER, name.c_str(), nullptr, nullptr,
+                                             reinterpret_cast<BYTE*>(bytes.data()), &size);
+        Quarn::string text;
+        bool const isRead = value.Read(text, nullptr);
+        fuzz::Check(isRead == (code == 0) && value.Exists() == (isRead && size != 0) &&
+                        (!isRead || text == bytes.substr(0, bytes.find('\0'))),
+                    "another text");
+        unsigned long number = 0;
+        fuzz::Check(value.Read(&number) == (isRead && size <= 4), "a number of another size");
+        int first = 0;
+        Quarn::string second;
+        fuzz::Check(isRead || !value.Readf("it", &first, &second), "a record of no value");
+    }
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
@@ -61,6 +92,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
         fuzz::Check(fuzz::ValuesOf(HKEY_CURRENT_USER) == values, "another reading brings other values");
         Quarn::PropertyCollection tree;
         Quarn::Win32::RegistryPropPersist(HKEY_CURRENT_USER).Populate(&tree);
+        ReadValues();
         fuzz::WriteAndRemove(HKEY_CURRENT_USER, isSound && first != long{ERROR_REGISTRY_CORRUPT} &&
                                                     first != long{ERROR_NOT_REGISTRY_FILE});
         Quarn::detail::RegistryStore::CloseFiles();

@@ -1,8 +1,10 @@
 // The texts of string tables in the notes of modules, beside a plain reading of the table. Whatever the notes
-// are, a text lies whole in its table, and of each id there is one.
+// are, a text lies whole in its table, and of each id there is one. Its conversion to bytes, and that of any
+// bytes to a text, comes back unless something had to be replaced.
 //
 // Input: one byte for the alignment, then the notes.
 #include "quarn/platform/posix/resource_image.h"
+#include "quarn/platform/win32_api.h"
 
 #include "fuzz/check.h"
 #include "fuzz/memory_bound.h"
@@ -39,6 +41,50 @@ std::vector<std::u16string> Texts(std::uint8_t const* table, std::size_t size)
     return texts;
 }
 
+// There and back; in both directions the length that is asked for is that which is written.
+std::string Narrow(std::u16string const& text, bool& replaced)
+{
+    BOOL usedDefault = FALSE;
+    auto const size = static_cast<int>(text.size());
+    int const length = ::WideCharToMultiByte(CP_ACP, 0, text.data(), size, nullptr, 0, nullptr, &usedDefault);
+    std::string bytes(static_cast<std::size_t>(length), '\0');
+    fuzz::Check(::WideCharToMultiByte(CP_ACP, 0, text.data(), size, bytes.data(), length, nullptr, nullptr) ==
+                    length,
+                "another length");
+    replaced = usedDefault != FALSE;
+    return bytes;
+}
+
+std::u16string Widen(std::string const& bytes)
+{
+    auto const size = static_cast<int>(bytes.size());
+    int const length = ::MultiByteToWideChar(CP_ACP, 0, bytes.data(), size, nullptr, 0);
+    std::u16string text(static_cast<std::size_t>(length), u'\0');
+    fuzz::Check(::MultiByteToWideChar(CP_ACP, 0, bytes.data(), size, text.data(), length) == length,
+                "another length");
+    return text;
+}
+
+void CheckConversions(std::u16string const& text)
+{
+    if (!text.empty()) {
+        bool replaced = false;
+        std::string const bytes = Narrow(text, replaced);
+        fuzz::Check((Widen(bytes) == text) != replaced, "another text comes back");
+    }
+}
+
+void CheckConversions(std::string const& bytes)
+{
+    if (!bytes.empty()) {
+        bool const isText = ::MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, bytes.data(),
+                                                  static_cast<int>(bytes.size()), nullptr, 0) != 0;
+        bool replaced = true;
+        std::string const back = Narrow(Widen(bytes), replaced);
+        fuzz::Check(!replaced && (back == bytes) == isText, "other bytes come back");
+    }
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
@@ -47,6 +93,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
         return 0;
     }
     std::uint8_t const* const bytes = data + 1;
+    CheckConversions(std::string(reinterpret_cast<char const*>(bytes), size - 1));
     MemorySource notes({bytes, size - 1});
     // The tables of the library's own texts, and one more.
     for (std::uint16_t name = 1; name <= 8; ++name) {
@@ -61,6 +108,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
         for (unsigned index = 0; index < 16; ++index) {
             std::u16string text;
             fuzz::Watch(Bound, size, [&] { text = ReadTableText(notes, *table, index); });
+            CheckConversions(text);
             fuzz::Check(text == (index < texts.size() ? texts[index] : std::u16string()), "another text");
         }
     }

@@ -1,7 +1,9 @@
 // Formats of times. The first eight bytes are the time's words, the rest is the format: whatever the format
-// is, the text ends within its bound; whether it is accepted is compared with a plain reading of the rule.
+// is, the text ends within its bound; whether it is accepted is compared with a plain reading of the rule;
+// and the text of a format is that of its parts, which may be made by other means.
 #include "quarn/time/time.h"
 
+#include "fuzz/check.h"
 #include "fuzz/memory_bound.h"
 
 #include <cstddef>
@@ -15,6 +17,8 @@ namespace {
 // The text of 255 characters at most, and the format up to its first zero byte; the runtime reads the file of
 // the time zone.
 constexpr fuzz::MemoryBound Bound = {"time_format", 6 * 1024, 2};
+
+constexpr std::size_t Longest = 255;
 
 bool IsAccepted(std::string const& format)
 {
@@ -30,11 +34,33 @@ bool IsAccepted(std::string const& format)
     return true;
 }
 
+// At the first and the last place that divides the format into two that are accepted.
+void CheckParts(Quarn::Time const& time, std::string const& format, std::string const& text)
+{
+    auto const divides = [&](std::size_t at) {
+        return IsAccepted(format.substr(0, at)) && IsAccepted(format.substr(at));
+    };
+    for (bool const isFirst : {true, false}) {
+        std::size_t at = isFirst ? 1 : format.size() - 1;
+        while (at > 0 && at < format.size() && !divides(at)) {
+            at += isFirst ? 1 : -1;
+        }
+        if (at > 0 && at < format.size()) {
+            Quarn::string const first = time.Format(format.substr(0, at));
+            Quarn::string const second = time.Format(format.substr(at));
+            // An empty part is one that did not fit, or one of nothing but empty fields.
+            if (!first.empty() && !second.empty()) {
+                bool const fits = first.size() + second.size() <= Longest;
+                fuzz::Check(text == (fits ? first + second : ""), "a format is not its parts");
+            }
+        }
+    }
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 {
-    constexpr std::size_t longest = 255;
     Quarn::TIME words{};
     if (size < sizeof words) {
         return 0;
@@ -50,8 +76,12 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     if (isAccepted != IsAccepted(format)) {
         std::abort();
     }
-    if (text.size() > longest || text.Contains('\0')) {
+    if (text.size() > Longest || text.Contains('\0')) {
         std::abort();
+    }
+    std::string const upToZero = format.c_str();
+    if (isAccepted && upToZero.size() > 1 && upToZero.size() < 300) {
+        CheckParts(Quarn::Time(words), upToZero, text);
     }
     return 0;
 }

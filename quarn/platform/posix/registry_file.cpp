@@ -65,6 +65,10 @@ constexpr SchemaRow Schema[] = {
 constexpr int StepsPerLook = 20'000;
 constexpr std::int64_t LeastSteps = 50'000;
 constexpr std::int64_t StepsPerByte = 4;
+// Of a file with holes, what is no hole counts; a file system that compresses makes it so much smaller at
+// most, and for one that does not tell so many bytes are believed.
+constexpr std::int64_t MostCompressed = 8;
+constexpr std::int64_t BytesBelieved = std::int64_t{16} << 20;
 
 constexpr char const* StatementTexts[] = {
     "BEGIN IMMEDIATE",
@@ -129,6 +133,18 @@ int WaitForOthers(void* /*context*/, int waits)
     timespec const millisecond = {0, 1000000};
     ::nanosleep(&millisecond, nullptr);
     return waits < BusyWaits ? 1 : 0;
+}
+
+// How much there is to read.
+std::int64_t BytesOf(char const* path)
+{
+    struct ::stat status;
+    if (::stat(path, &status) != 0) {
+        return 0;
+    }
+    std::int64_t const present =
+        status.st_blocks != 0 ? MostCompressed * 512 * std::int64_t{status.st_blocks} : BytesBelieved;
+    return std::min(std::int64_t{status.st_size}, present);
 }
 
 // Makes an empty file, and the last folder of its path for the user alone. One that is there stays.
@@ -350,12 +366,8 @@ void RegistryFile::CheckTables()
 int RegistryFile::CountSteps(void* file)
 {
     auto& self = *static_cast<RegistryFile*>(file);
-    std::int64_t size = 0;
     char const* const path = ::sqlite3_db_filename(self.m_database, "main");
-    for (char const* const name : {path, ::sqlite3_filename_wal(path)}) {
-        struct ::stat status;
-        size += ::stat(name, &status) == 0 ? status.st_size : 0;
-    }
+    std::int64_t const size = BytesOf(path) + BytesOf(::sqlite3_filename_wal(path));
     self.m_steps += StepsPerLook;
     return self.m_steps > LeastSteps + StepsPerByte * size ? 1 : 0;
 }

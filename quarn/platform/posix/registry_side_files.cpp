@@ -1,11 +1,13 @@
 #include "quarn/platform/posix/registry_side_files.h"
 
+#include "quarn/platform/posix/files.h"
 #include "quarn/platform/posix/registry_failure.h"
 
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -18,6 +20,27 @@ constexpr int WriteVersionAt = 18;
 constexpr int ReadVersionAt = 19;
 constexpr int JournalVersion = 1;
 constexpr int LogVersion = 2;
+
+// A journal's header: how many pages of which size the file had. High bytes first.
+constexpr std::size_t PagesAt = 16;
+constexpr std::size_t PageSizeAt = 24;
+constexpr std::size_t JournalHeaderSize = 28;
+
+// What a transaction takes from a file's end is in its journal: with one that says more, the file would grow.
+bool Grows(char const* journal, std::int64_t size, sqlite3_file* file)
+{
+    Descriptor const descriptor = Open(journal, O_RDONLY | O_NONBLOCK);
+    unsigned char header[JournalHeaderSize];
+    sqlite3_int64 fileSize = 0;
+    if (!descriptor || ReadAll(descriptor.Get(), header, sizeof header) != long{sizeof header} ||
+        file->pMethods->xFileSize(file, &fileSize) != SQLITE_OK) {
+        return false; // as the data base will see
+    }
+    auto const number = [&header](std::size_t at) {
+        return std::uint64_t{header[at]} << 24 | header[at + 1] << 16 | header[at + 2] << 8 | header[at + 3];
+    };
+    return number(PagesAt) * number(PageSizeAt) > static_cast<std::uint64_t>(fileSize + size);
+}
 
 } // namespace
 
@@ -102,7 +125,7 @@ int RegistrySideFiles::AccessFile(sqlite3_vfs* files, char const* path, int /*fl
     int const stray = isLog ? JournalVersion : LogVersion;
     bool const isStray = header[WriteVersionAt] == stray && header[ReadVersionAt] == stray;
     self.m_hasStrayJournal |= isJournal && isStray;
-    *result = isStray ? 0 : 1;
+    *result = isStray || (isJournal && Grows(path, status.st_size, self.m_file)) ? 0 : 1;
     return SQLITE_OK;
 }
 

@@ -49,6 +49,31 @@ int UseAll()
     return 0;
 }
 
+// Down the first sub-keys and along their values until there is an end; 0 for that of damage.
+int WalkDown()
+{
+    std::string path;
+    for (int depth = 0; depth < 1000; ++depth) {
+        HKEY key = nullptr;
+        long code = ::RegOpenKeyExA(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, &key);
+        for (DWORD index = 0; code == 0; ++index) {
+            char value[300];
+            DWORD size = sizeof value;
+            code = ::RegEnumValueA(key, index, value, &size, nullptr, nullptr, nullptr, nullptr);
+        }
+        char first[300];
+        DWORD size = sizeof first;
+        if (code == 259) {
+            code = ::RegEnumKeyExA(key, 0, first, &size, nullptr, nullptr, nullptr, nullptr);
+        }
+        if (code != 0) {
+            return code == 1015 ? 0 : static_cast<int>(code % 200 + 1);
+        }
+        path += (path.empty() ? "" : "\\") + std::string(first);
+    }
+    return 255;
+}
+
 TEST(RegistryDamage, AForeignFileIsRefusedAndLeftAsItIs)
 {
     for (std::string const& content :
@@ -117,31 +142,24 @@ TEST(RegistryDamage, ATrapIsRefusedAndLeftAsItIs)
         RegistryFolder const folder;
         std::string const content = ContentOf(std::string(QUARN_REGISTRY_SEEDS "/") + name);
         Write(folder.UserFile(), content);
-        EXPECT_EQ(folder.Run([] {
-            // Down the first sub-keys and along their values until there is an end.
-            std::string path;
-            for (int depth = 0; depth < 1000; ++depth) {
-                HKEY key = nullptr;
-                long code = ::RegOpenKeyExA(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, &key);
-                for (DWORD index = 0; code == 0; ++index) {
-                    char value[300];
-                    DWORD size = sizeof value;
-                    code = ::RegEnumValueA(key, index, value, &size, nullptr, nullptr, nullptr, nullptr);
-                }
-                char first[300];
-                DWORD size = sizeof first;
-                if (code == 259) {
-                    code = ::RegEnumKeyExA(key, 0, first, &size, nullptr, nullptr, nullptr, nullptr);
-                }
-                if (code != 0) {
-                    return code == 1015 ? 0 : static_cast<int>(code % 200 + 1);
-                }
-                path += (path.empty() ? "" : "\\") + std::string(first);
-            }
-            return 255;
-        }),
-                  0);
+        EXPECT_EQ(folder.Run(WalkDown), 0);
         EXPECT_TRUE(ContentOf(folder.UserFile()) == content);
+    }
+}
+
+// Holes make a file as large as anybody likes.
+TEST(RegistryDamage, AnEndlessFileWithAHugeHoleHasAnEnd)
+{
+    for (char const* const name : {"endless_keys", "endless_values"}) {
+        RegistryFolder const folder;
+        Write(folder.UserFile(), ContentOf(std::string(QUARN_REGISTRY_SEEDS "/") + name));
+        std::filesystem::resize_file(folder.UserFile(), std::uintmax_t{1} << 38);
+        EXPECT_EQ(folder.Run([] {
+            ::alarm(60);
+            return WalkDown();
+        }),
+                  0)
+            << name;
     }
 }
 

@@ -139,6 +139,18 @@ TEST_F(RegistrySideFile, ALogOfItsOwnBringsTheFileForward)
     ExpectWhole(HKEY_CURRENT_USER, "brought forward");
 }
 
+TEST_F(RegistrySideFile, AJournalThatWouldMakeTheFileHugeIsNoPartOfIt)
+{
+    std::string const file = File(HKEY_LOCAL_MACHINE);
+    auto const size = std::filesystem::file_size(file);
+    for (std::uint32_t const count : {100u, 0x00100000u, 0xFFFFFFFFu}) {
+        Write(file + "-journal", SideFiles::Journal({}, count, PageSize));
+        ExpectWhole(HKEY_LOCAL_MACHINE, "first");
+        EXPECT_EQ(std::filesystem::file_size(file), size);
+        ExpectWhole(HKEY_LOCAL_MACHINE, "again");
+    }
+}
+
 TEST_F(RegistrySideFile, AJournalThatNamesAnotherFileDoesNotRemoveIt)
 {
     std::string const file = File(HKEY_LOCAL_MACHINE);
