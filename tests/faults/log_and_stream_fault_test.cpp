@@ -51,6 +51,10 @@ bool Read(char const* path)
             stream >> number >> text;
             isRight = isRight && number == i && text == Text();
         }
+        int first = -1;
+        stream.seekg(0, 0);
+        stream >> first;
+        isRight = isRight && first == 0;
         EXPECT_TRUE(isRight) << "what is read is what was written, or an error";
         return stream.IsValidInput();
     } catch (Quarn::StreamException const&) {

@@ -210,6 +210,66 @@ TEST_F(RegistryFaults, KeysAndValuesSayWhatFailedAndLeaveOldValuesOrNewOnes)
     Faults::RecordFigures(figures);
 }
 
+// The names of a key's values, of which all are whole; none where there is no such key.
+std::vector<std::string> WholeValues(char const* path)
+{
+    HKEY key = nullptr;
+    if (OpenKey(HKEY_CURRENT_USER, path, key) != 0) {
+        return {};
+    }
+    std::vector<std::string> names = ValueNames(key);
+    for (std::string const& name : names) {
+        EXPECT_EQ(DataOf(key, name.c_str()), "data of " + name);
+    }
+    ::RegCloseKey(key);
+    return names;
+}
+
+// A move writes what it can and deletes the old key then: see Win32Quarn::RegistryKey::Copy.
+TEST_F(RegistryFaults, AMoveLosesDeliberatelyWhatItCannotWriteAndNothingElse)
+{
+    constexpr char Moved[] = "Software\\QuarnUtilFaults\\third\\fourth";
+    Resources resources;
+    auto const figures = Faults::ForEveryFault(
+        RegistryPlans(),
+        [&] {
+            RemoveTree(HKEY_CURRENT_USER, Root);
+            HKEY key = nullptr;
+            ASSERT_EQ(CreateKey(HKEY_CURRENT_USER, Path, key), 0);
+            for (std::string const name : KeyValues) {
+                ASSERT_EQ(SetBytes(key, name.c_str(), REG_BINARY, "data of " + name), 0);
+            }
+            ::RegCloseKey(key);
+        },
+        [&] {
+            try {
+                return Win32Quarn::CurrentUserKey(Path).Rename(Moved);
+            } catch (std::bad_alloc const&) {
+                return false;
+            }
+        },
+        [&](bool isMoved, char const* struck) {
+            EXPECT_TRUE(isMoved || struck != nullptr);
+            {
+                std::vector<std::string> const here = WholeValues(Path);
+                std::vector<std::string> const there = WholeValues(Moved);
+                for (char const* const name : KeyValues) {
+                    bool const isLeft = std::count(here.begin(), here.end(), name) == 1;
+                    bool const isThere = std::count(there.begin(), there.end(), name) == 1;
+                    EXPECT_FALSE(isMoved && isLeft) << name;
+                    EXPECT_TRUE(isLeft || isThere || EndsMoves(struck)) << name;
+                }
+            }
+            if (!isMoved) {
+                EXPECT_TRUE(Win32Quarn::CurrentUserKey(Path).Rename(Moved));
+            }
+            CloseRegistryFiles(); // what was listed last is remembered otherwise
+            resources.ExpectSame();
+        });
+    EXPECT_GT(figures.refusals, 5);
+    RecordFigures(figures);
+}
+
 TEST_F(RegistryFaults, ASeedingIsWholeOrReportedUnlessAnEnumerationEndsEarlyDeliberately)
 {
     Writing writing;

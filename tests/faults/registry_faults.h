@@ -12,3 +12,6 @@ void CloseRegistryFiles();
 // Whether that function's failure can end an enumeration, which the reader of the registry deliberately takes
 // for its end.
 bool EndsEnumerations(char const* function);
+// Whether it can end a move's copying of values, which deliberately does not keep the move from deleting
+// them.
+bool EndsMoves(char const* function);

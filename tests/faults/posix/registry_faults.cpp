@@ -60,3 +60,9 @@ bool EndsEnumerations(char const* function)
 {
     return function != nullptr && std::strcmp(function, "operator new") == 0;
 }
+
+// Whatever the registry's files need to be read and written.
+bool EndsMoves(char const* function)
+{
+    return function != nullptr;
+}

@@ -1,7 +1,8 @@
 // The functions that the library and its standard library import from other modules. Their addresses stand in
 // a table of each module, where hooks take the places of the system's: the modules stay those that are
-// shipped. What a module gets by ::GetProcAddress is not in these tables, nor what a module behind them does
-// for itself (the allocations of the C library and of the system, for instance).
+// shipped. Out of reach is what a module behind them does for itself: the allocations of the system, of the C
+// library, of the threads' and the compiler's library. So is what is got by ::GetProcAddress: the functions
+// of companion libraries and, for the runtime, the system's clock.
 #pragma once
 
 #include <string>

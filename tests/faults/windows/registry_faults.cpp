@@ -14,3 +14,9 @@ bool EndsEnumerations(char const* function)
 {
     return function != nullptr && std::strncmp(function, "Reg", 3) == 0;
 }
+
+bool EndsMoves(char const* function)
+{
+    return function != nullptr &&
+           (std::strcmp(function, "RegEnumValueA") == 0 || std::strcmp(function, "RegSetValueExA") == 0);
+}
