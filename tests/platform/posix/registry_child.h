@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 
 #include <stdlib.h>
 #include <sys/wait.h>
@@ -56,6 +57,13 @@ private:
     ScratchFolder m_folder;
     std::filesystem::path m_path;
 };
+
+// A file in the place of a registry's or beside it.
+inline void Write(std::filesystem::path const& file, std::string const& content)
+{
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file, std::ios_base::binary) << content;
+}
 
 // How many of the values 0, 1, 2, ... below `count` are there with their own number as data.
 inline int CountNumbered(HKEY key, std::string const& prefix, int count)

@@ -1,19 +1,11 @@
 // Registry files that are damaged, foreign, missing or not to be written.
 #include "tests/platform/posix/registry_child.h"
 
-#include <fstream>
-
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/resource.h>
 
 namespace {
-
-void Write(std::filesystem::path const& file, std::string const& content)
-{
-    std::filesystem::create_directories(file.parent_path());
-    std::ofstream(file, std::ios_base::binary) << content;
-}
 
 // A registry with a thousand values.
 int Fill()

@@ -3,8 +3,6 @@
 #include "tests/platform/posix/registry_child.h"
 #include "tests/platform/posix/side_files.h"
 
-#include <fstream>
-
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -12,11 +10,6 @@ namespace {
 
 constexpr std::size_t PageSize = 4096;
 constexpr int Values = 5;
-
-void Write(std::string const& file, std::string const& content)
-{
-    std::ofstream(file, std::ios_base::binary) << content;
-}
 
 // Registries of the user, which has a log, and of the machine, which has a journal, each with the same
 // values.
