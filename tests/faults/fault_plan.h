@@ -27,7 +27,9 @@ struct Plan
     Kind kind;
     Span span;
     int number; // from 1
-    int error; // what the failing call leaves in errno, or as the system's last error; 0 where it does a part
+    // What the failing call leaves in errno, or as the system's code that stands for it; 0 where it does a
+    // part.
+    int error;
 };
 
 // Faults fall while this lives, in the one thread that made it. At most one at a time.
