@@ -242,6 +242,7 @@ TEST(XmlHostile, WrongEncodingsAreRefusedAndRightOnesRead)
              // Parts of characters behind the end, and half a pair.
              Body + "\xC3",
              Body + "\xFE\n",
+             "\n" + Body + "\xFE\n",
              Body + "\n\xE2\x82\n",
              utf16le + "\n",
              utf16le + "\x3D\xD8",

@@ -105,10 +105,12 @@ bool HasSoundCharacters(std::string_view document)
     std::size_t const width = CharacterWidth(document);
     if (width == 1) {
         // Behind the last element there is white space, and nothing else that is not refused anyway.
-        bool const isAscii = document.starts_with('<') || document.starts_with("\xEF\xBB\xBF");
-        std::size_t const last = document.find_last_not_of(" \t\r\n");
+        constexpr char const* WhiteSpace = " \t\r\n";
+        std::size_t const first = document.find_first_not_of(WhiteSpace);
+        bool const isAscii =
+            first != document.npos && (document[first] == '<' || document.starts_with("\xEF\xBB\xBF"));
         return document.find('\0') == document.npos &&
-               (!isAscii || (last != document.npos && document[last] == '>'));
+               (!isAscii || document[document.find_last_not_of(WhiteSpace)] == '>');
     }
     bool const isBigEndian = document.starts_with('\0') || document.starts_with("\xFE\xFF");
     bool hasFirstHalf = false;
