@@ -104,6 +104,7 @@ protected:
         {
             DeviceAccount account;
             account.hasLinks = m_hasLinks;
+            account.canRenameToNew = m_canRenameToNew;
             work();
             steps = account.steps;
         }
@@ -117,6 +118,25 @@ protected:
         for (Files const& files : device.Remains()) {
             EXPECT_TRUE(afterwards(files)) << testing::PrintToString(files);
         }
+    }
+
+    // A backup in the files is whole, and there is one where it is needed.
+    bool HasWholeBackup(Files const& files, bool isNeeded) const
+    {
+        for (auto const& [name, content] : files) {
+            if (name.rfind(m_base + "_", 0) == 0) {
+                return content == m_old;
+            }
+        }
+        return !isNeeded;
+    }
+
+    void ExpectBackup()
+    {
+        char backup[MAX_PATH] = "";
+        Expect([&] { EXPECT_TRUE(m_store.BackupXML(backup)); },
+               [&](Files const& files) { return IsSettings(files, m_old) && HasWholeBackup(files, false); },
+               [&](Files const& files) { return IsSettings(files, m_old) && HasWholeBackup(files, true); });
     }
 
     bool IsSettings(Files const& files, std::string const& content) const
@@ -151,6 +171,7 @@ protected:
     QuarnProperties m_store;
     std::string m_old;
     bool m_hasLinks = true;
+    bool m_canRenameToNew = true;
 };
 
 TEST_F(PowerCut, DuringASaveLeavesTheOldSettingsOrTheNewAndAfterItTheNew)
@@ -180,18 +201,24 @@ TEST_F(PowerCut, LosesNoSettingsThatDidNotLoadWhereThereAreNoLinks)
 
 TEST_F(PowerCut, LeavesABackupWholeOrNoneAndAfterItOne)
 {
+    ExpectBackup();
+}
+
+TEST_F(PowerCut, LeavesABackupWholeOrNoneWhereALinkRenamesIt)
+{
+    m_canRenameToNew = false;
+    ExpectBackup();
+}
+
+// An empty file has the name for a moment then.
+TEST_F(PowerCut, LeavesABackupAfterItWhereNothingRenamesWithoutOverwriting)
+{
+    m_canRenameToNew = false;
+    m_hasLinks = false;
     char backup[MAX_PATH] = "";
-    auto const isWhole = [&](Files const& files, bool isNeeded) {
-        for (auto const& [name, content] : files) {
-            if (name.rfind(m_base + "_", 0) == 0) {
-                return content == m_old;
-            }
-        }
-        return !isNeeded;
-    };
     Expect([&] { EXPECT_TRUE(m_store.BackupXML(backup)); },
-           [&](Files const& files) { return IsSettings(files, m_old) && isWhole(files, false); },
-           [&](Files const& files) { return IsSettings(files, m_old) && isWhole(files, true); });
+           [&](Files const& files) { return IsSettings(files, m_old); },
+           [&](Files const& files) { return IsSettings(files, m_old) && HasWholeBackup(files, true); });
 }
 
 TEST_F(PowerCut, DuringARestoringLeavesTheBackupUntilItIsInPlace)

@@ -103,6 +103,10 @@ int rename(char const* from, char const* to) noexcept
 
 int renameat2(int fromFolder, char const* from, int toFolder, char const* to, unsigned int flags) noexcept
 {
+    if (g_account != nullptr && !g_account->canRenameToNew) {
+        errno = EINVAL;
+        return -1;
+    }
     return CountRename(Result(::syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags)), from, to);
 }
 
@@ -115,6 +119,11 @@ int linkat(int fromFolder, char const* from, int toFolder, char const* to, int f
     int const result = Result(::syscall(SYS_linkat, fromFolder, from, toFolder, to, flags));
     CountName(result, to);
     return result;
+}
+
+int link(char const* from, char const* to) noexcept
+{
+    return ::linkat(AT_FDCWD, from, AT_FDCWD, to, 0);
 }
 
 int unlink(char const* path) noexcept

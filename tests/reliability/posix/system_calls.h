@@ -34,7 +34,8 @@ public:
     ~DeviceAccount();
 
     std::vector<DeviceStep> steps;
-    bool hasLinks = true; // of a file system without them, if not
+    bool hasLinks = true;       // of a file system without them, if not
+    bool canRenameToNew = true; // without overwriting, in one call
 };
 
 // The clock stands at this second as long as the object lives.
