@@ -93,8 +93,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
         Quarn::PropertyCollection tree;
         Quarn::Win32::RegistryPropPersist(HKEY_CURRENT_USER).Populate(&tree);
         ReadValues();
-        fuzz::WriteAndRemove(HKEY_CURRENT_USER, isSound && first != long{ERROR_REGISTRY_CORRUPT} &&
-                                                    first != long{ERROR_NOT_REGISTRY_FILE});
+        fuzz::WriteAndRemove(HKEY_CURRENT_USER, isSound && !fuzz::IsDamage(first));
         Quarn::detail::RegistryStore::CloseFiles();
         if (fuzz::IsDamage(first)) {
             fuzz::Check(fuzz::RegistryFolder::Content(folder.UserFile()) == content,

@@ -64,9 +64,10 @@ private:
 
 inline long Documented(long code)
 {
-    static constexpr DWORD Codes[] = {ERROR_SUCCESS,     ERROR_FILE_NOT_FOUND,   ERROR_ACCESS_DENIED,
-                                      ERROR_MORE_DATA,   ERROR_NO_MORE_ITEMS,    ERROR_INVALID_PARAMETER,
-                                      ERROR_KEY_DELETED, ERROR_REGISTRY_CORRUPT, ERROR_NOT_REGISTRY_FILE};
+    static constexpr DWORD Codes[] = {ERROR_SUCCESS,           ERROR_FILE_NOT_FOUND, ERROR_ACCESS_DENIED,
+                                      ERROR_NOT_ENOUGH_MEMORY, ERROR_MORE_DATA,      ERROR_NO_MORE_ITEMS,
+                                      ERROR_INVALID_PARAMETER, ERROR_KEY_DELETED,    ERROR_REGISTRY_CORRUPT,
+                                      ERROR_NOT_REGISTRY_FILE};
     bool const isDocumented =
         std::find(std::begin(Codes), std::end(Codes), static_cast<DWORD>(code)) != std::end(Codes);
     if (!isDocumented) {
@@ -76,9 +77,11 @@ inline long Documented(long code)
     return code;
 }
 
+// SQLite takes some damage of its own tables for a lack of memory, without having asked for any.
 inline bool IsDamage(long code)
 {
-    return code == long{ERROR_REGISTRY_CORRUPT} || code == long{ERROR_NOT_REGISTRY_FILE};
+    return code == long{ERROR_REGISTRY_CORRUPT} || code == long{ERROR_NOT_REGISTRY_FILE} ||
+           code == long{ERROR_NOT_ENOUGH_MEMORY};
 }
 
 // All values of a key, with their codes; and each by its name.
