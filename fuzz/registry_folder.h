@@ -12,9 +12,36 @@
 #include <iterator>
 #include <string>
 
+#include <sqlite3.h>
 #include <unistd.h>
 
 namespace fuzz {
+
+// SQLite asks for as many bytes as a damaged row claims to have, if they are chosen so that its own check
+// overflows, and gives them back at once. It gets none here, and all the rest is counted.
+class BoundedDatabase
+{
+public:
+    BoundedDatabase()
+    {
+        ::sqlite3_config(SQLITE_CONFIG_GETMALLOC, &Methods());
+        sqlite3_mem_methods bounded = Methods();
+        bounded.xMalloc = [](int size) { return size > Most ? nullptr : Methods().xMalloc(size); };
+        bounded.xRealloc = [](void* block, int size) {
+            return size > Most ? nullptr : Methods().xRealloc(block, size);
+        };
+        Check(::sqlite3_config(SQLITE_CONFIG_MALLOC, &bounded) == SQLITE_OK, "SQLite is at work already");
+    }
+
+private:
+    static constexpr int Most = 1 << 20; // far more than any input is long
+
+    static sqlite3_mem_methods& Methods()
+    {
+        static sqlite3_mem_methods methods;
+        return methods;
+    }
+};
 
 // In the current folder, or in the one that QUARN_FUZZ_SCRATCH names, say one in memory; gone at the end.
 class RegistryFolder
@@ -59,6 +86,7 @@ public:
     }
 
 private:
+    BoundedDatabase m_database;
     std::filesystem::path m_path;
 };
 
@@ -77,7 +105,7 @@ inline long Documented(long code)
     return code;
 }
 
-// SQLite takes some damage of its own tables for a lack of memory, without having asked for any.
+// Some damage of its own tables ends in a lack of memory: see above.
 inline bool IsDamage(long code)
 {
     return code == long{ERROR_REGISTRY_CORRUPT} || code == long{ERROR_NOT_REGISTRY_FILE} ||

@@ -15,8 +15,8 @@
 namespace {
 
 // The text of 255 characters at most, and the format up to its first zero byte; the runtime reads the file of
-// the time zone.
-constexpr fuzz::MemoryBound Bound = {"time_format", 6 * 1024, 2};
+// the time zone, a few KiB.
+constexpr fuzz::MemoryBound Bound = {"time_format", 16 * 1024, 2};
 
 constexpr std::size_t Longest = 255;
 
