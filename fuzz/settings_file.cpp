@@ -16,9 +16,9 @@ namespace {
 
 using fuzz::Check;
 
-// The XML library's parser with its buffers. It keeps what it met of every element name, and of every open
-// element, which may take four bytes.
-constexpr fuzz::MemoryBound Bound = {"settings_file", 256 * 1024, 224};
+// The XML library's parser with its buffers, and the system's converters with their tables. The parser keeps
+// what it met of every element name, and of every open element, which may take four bytes.
+constexpr fuzz::MemoryBound Bound = {"settings_file", 640 * 1024, 224};
 
 std::string Resave(std::string const& document)
 {
