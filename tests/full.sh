@@ -82,7 +82,7 @@ faults() {
     programs fault_test && figures fault_test '*' || status=1
     figure+=' on Linux'
     preset=sanitize
-    programs fault_test && figures fault_test '*' || status=1
+    programs fault_test && QUARN_FAULTS=all figures fault_test '*' || status=1
     figure+=' under the sanitizers'
     preset=windows-release
     programs fault_test && QUARN_FAULTS=all figures fault_test '*' || status=1

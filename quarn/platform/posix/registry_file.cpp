@@ -85,7 +85,7 @@ constexpr char const* StatementTexts[] = {
     "DELETE FROM registry_value WHERE key_id = ?1",
     "DELETE FROM registry_key WHERE id = ?1",
     "SELECT id FROM registry_key WHERE parent = ?1 ORDER BY fold",
-    "SELECT name FROM registry_key WHERE id = ?1 AND parent = ?2",
+    "SELECT name, fold FROM registry_key WHERE id = ?1 AND parent = ?2",
     "SELECT type, data FROM registry_value WHERE key_id = ?1 AND fold = ?2",
     R"(INSERT INTO registry_value(key_id, name, fold, type, data)
        SELECT id, ?2, ?3, ?4, ?5 FROM registry_key WHERE id = ?1

@@ -240,7 +240,14 @@ void RegistryStore::DeleteKey(RegistryKeyPlace from, char const* path)
 
 RegistryRow RegistryStore::SubKeyAt(RegistryKeyPlace key, std::size_t index)
 {
-    return RowAt(RegistryStatement::ListKeys, RegistryStatement::KeyRow, key, index);
+    constexpr std::string_view NoNamesCharacters("\\\0", 2);
+    RegistryRow row = RowAt(RegistryStatement::ListKeys, RegistryStatement::KeyRow, key, index);
+    // A damaged name that leads to another key would lead whoever follows it in circles.
+    if (row && (row.name.empty() || row.name.find_first_of(NoNamesCharacters) != row.name.npos ||
+                FoldName(row.name) != row.query->BytesAt(1))) {
+        Refuse(ERROR_REGISTRY_CORRUPT);
+    }
+    return row;
 }
 
 RegistryRow RegistryStore::ValueAt(RegistryKeyPlace key, std::size_t index)
