@@ -1,9 +1,6 @@
 #include "tests/faults/fault_loop.h"
 #include "tests/scale.h"
 
-#include <cstdlib>
-#include <cstring>
-
 namespace Faults {
 
 // No memory, a disk that breaks, no rights, no space.
@@ -17,9 +14,7 @@ std::vector<Plan> Plans()
 // Each one where there is no sanitizer, or where all are asked for.
 int AllocationStep()
 {
-    char const* const wanted = std::getenv("QUARN_FAULTS");
-    bool const isComplete = wanted != nullptr && std::strcmp(wanted, "all") == 0;
-    return Slowness == 1 || isComplete ? 1 : 3;
+    return Slowness == 1 || IsComplete() ? 1 : 3;
 }
 
 } // namespace Faults

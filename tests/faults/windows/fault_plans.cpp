@@ -1,22 +1,9 @@
 #include "tests/faults/fault_loop.h"
 
-#include <cstdlib>
-#include <cstring>
-
 namespace Faults {
 
-namespace {
-
-// Rounds take long here: without this, not all of them are run.
-bool IsComplete()
-{
-    char const* const wanted = std::getenv("QUARN_FAULTS");
-    return wanted != nullptr && std::strcmp(wanted, "all") == 0;
-}
-
-} // namespace
-
-// As elsewhere, and besides: others have a file open, the system lacks memory.
+// As elsewhere, and besides: others have a file open, the system lacks memory. Rounds take long here: without
+// being asked for, not all of them are run.
 std::vector<Plan> Plans()
 {
     std::vector<Plan> plans = {{Kind::Memory, Span::One, 1, ENOMEM},
