@@ -152,21 +152,6 @@ TEST(XmlSaving, ADeadSaversTemporaryFilesGoWithTheNextSaveAndNoOthers)
     EXPECT_EQ(scratch.Names(), (Names{"a.xml", "b.xml"}));
 }
 
-// As one does that has waited for the lock in vain.
-TEST(XmlSaving, ALivingSaversTemporaryFileStaysAsLongAsThatClaimsIt)
-{
-    ScratchFolder const scratch;
-    std::string const temporary = ".~92c25f7b-1-1.tmp";
-    WriteContent(scratch / temporary, "half");
-    HANDLE const claim = ::CreateMutexA(nullptr, FALSE, ("Global\\QuarnUtil-" + temporary).c_str());
-    ASSERT_NE(claim, nullptr);
-    EXPECT_TRUE(Save(scratch / "a.xml", "1"));
-    EXPECT_EQ(scratch.Names(), (Names{"a.xml", temporary}));
-    ::CloseHandle(claim);
-    EXPECT_TRUE(Save(scratch / "a.xml", "2"));
-    EXPECT_EQ(scratch.Names(), Names{"a.xml"});
-}
-
 // The names of second names: the base, an underscore, the stamp in lower-case hexadecimal, the extension.
 std::vector<std::string> SecondNames(ScratchFolder const& scratch, std::string const& base,
                                      std::string const& extension)

@@ -8,7 +8,7 @@ namespace Quarn::detail {
 
 // Held by one saver of a file at a time, between processes too, for as long as the object lives; a process
 // that dies gives it up. It is waited for a few seconds at most and is a courtesy: whoever does without it
-// replaces the file whole all the same.
+// replaces the file whole all the same, and lets the owner see that there is somebody.
 class SaveLock
 {
 public:
@@ -19,9 +19,13 @@ public:
     ~SaveLock();
 
     bool IsOwned() const { return m_owned; }
+    // For the owner: whether anybody, of another user's processes too, does without the lock now.
+    bool IsDoneWithout() const;
 
 private:
+    string m_name;
     HANDLE m_mutex;
+    HANDLE m_sign = nullptr; // of one that does without
     bool m_owned = false;
 };
 

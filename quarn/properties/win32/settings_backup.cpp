@@ -44,10 +44,8 @@ bool CreateBackup(string const& path, string& backup)
         ::GetFileAttributesA(backup.c_str()) != INVALID_FILE_ATTRIBUTES || !ReadWholeFile(path, content)) {
         return false;
     }
-    if (lock.IsOwned()) {
-        RemoveTemporaries(parts);
-    }
-    TemporaryFile temporary(parts, lock);
+    RemoveTemporaries(parts, lock);
+    TemporaryFile temporary(parts);
     return temporary.Error() == ERROR_SUCCESS && temporary.TakePermissionsOf(path) &&
            temporary.Write(content) &&
            ((attributes & FILE_ATTRIBUTE_READONLY) == 0 || temporary.MakeReadOnly()) &&
@@ -67,11 +65,9 @@ bool Restore(string const& path, string const& backupPath)
         return false;
     }
     SaveLock const lock(resolved);
-    if (lock.IsOwned()) {
-        RemoveTemporaries(resolved);
-    }
+    RemoveTemporaries(resolved, lock);
     string const whole = resolved.Whole();
-    TemporaryFile temporary(resolved, lock);
+    TemporaryFile temporary(resolved);
     return temporary.Error() == ERROR_SUCCESS && temporary.TakePermissionsOf(whole) &&
            temporary.Write(content) && temporary.MoveOver(whole);
 }

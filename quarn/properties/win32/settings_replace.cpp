@@ -11,7 +11,7 @@ namespace Quarn::detail {
 
 namespace {
 
-bool GiveSecondName(SettingsPath const& path, SaveLock const& lock, string& name)
+bool GiveSecondName(SettingsPath const& path, string& name)
 {
     string const whole = path.Whole();
     for (std::uint32_t stamp = BackupStamp();; ++stamp) {
@@ -26,7 +26,7 @@ bool GiveSecondName(SettingsPath const& path, SaveLock const& lock, string& name
             continue;
         }
         // Not every file system has links. The copy gets the name when it is whole.
-        TemporaryFile copy(path, lock);
+        TemporaryFile copy(path);
         if (copy.Error() != ERROR_SUCCESS || !copy.TakePermissionsOf(whole) || !copy.TakeContentOf(whole)) {
             return false;
         }
@@ -53,10 +53,8 @@ bool ReplaceSettingsFile(string const& path, std::string_view content, bool& kee
     if (exists && (::GetFileAttributesA(whole.c_str()) & Untouchable) != 0) {
         return false;
     }
-    if (lock.IsOwned()) {
-        RemoveTemporaries(resolved);
-    }
-    TemporaryFile temporary(resolved, lock);
+    RemoveTemporaries(resolved, lock);
+    TemporaryFile temporary(resolved);
     if (temporary.Error() == ERROR_ACCESS_DENIED && exists && !keepOld) {
         return OverwriteSettingsFile(resolved, content);
     }
@@ -66,7 +64,7 @@ bool ReplaceSettingsFile(string const& path, std::string_view content, bool& kee
     }
     string secondName;
     if (keepOld && exists) {
-        if (!GiveSecondName(resolved, lock, secondName)) {
+        if (!GiveSecondName(resolved, secondName)) {
             return false;
         }
         keepOld = false;

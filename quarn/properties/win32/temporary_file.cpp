@@ -22,22 +22,6 @@ void Remove(string const& name)
     }
 }
 
-// A claim is there as long as it is open, and ends with its process.
-HANDLE Claim(string const& fileName)
-{
-    return ::CreateMutexA(nullptr, FALSE, ("Global\\QuarnUtil-" + fileName).c_str());
-}
-
-bool IsClaimed(string const& fileName)
-{
-    HANDLE const claim = Claim(fileName);
-    bool const isElsewhere = claim != nullptr && ::GetLastError() == ERROR_ALREADY_EXISTS;
-    if (claim != nullptr) {
-        ::CloseHandle(claim);
-    }
-    return isElsewhere;
-}
-
 } // namespace
 
 TemporaryFile::~TemporaryFile()
@@ -45,9 +29,6 @@ TemporaryFile::~TemporaryFile()
     if (m_exists) {
         m_file.Close();
         Remove(m_name);
-    }
-    if (m_claim != nullptr) {
-        ::CloseHandle(m_claim);
     }
 }
 
@@ -114,17 +95,13 @@ bool TemporaryFile::Move(string const& name, DWORD flags)
     return true;
 }
 
-HANDLE TemporaryFile::Create(SettingsPath const& path, bool isClaimed)
+HANDLE TemporaryFile::Create(SettingsPath const& path)
 {
     static std::atomic<unsigned int> number = 0;
     constexpr int Attempts = 100;
     HANDLE file = INVALID_HANDLE_VALUE;
     for (int i = 0; i < Attempts && file == INVALID_HANDLE_VALUE; ++i) {
         m_name = TemporaryName(path, ++number);
-        if (m_claim != nullptr) {
-            ::CloseHandle(m_claim);
-        }
-        m_claim = isClaimed ? Claim(m_name.substr(path.folder.size())) : nullptr;
         file = ::CreateFileA(m_name.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
                              FILE_ATTRIBUTE_NORMAL, nullptr);
         m_error = file == INVALID_HANDLE_VALUE ? ::GetLastError() : ERROR_SUCCESS;
@@ -136,12 +113,18 @@ HANDLE TemporaryFile::Create(SettingsPath const& path, bool isClaimed)
     return file;
 }
 
-void RemoveTemporaries(SettingsPath const& path)
+void RemoveTemporaries(SettingsPath const& path, SaveLock const& lock)
 {
-    for (string const& name : FindFiles(TemporaryPattern(path))) {
-        if (!IsClaimed(name)) {
-            Remove(path.folder + name);
-        }
+    if (!lock.IsOwned()) {
+        return;
+    }
+    // In this order: who is not seen any more has nothing in the list that is needed.
+    std::vector<string> const names = FindFiles(TemporaryPattern(path));
+    if (lock.IsDoneWithout()) {
+        return;
+    }
+    for (string const& name : names) {
+        Remove(path.folder + name);
     }
 }
 

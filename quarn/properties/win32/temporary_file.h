@@ -13,9 +13,8 @@ namespace Quarn::detail {
 class TemporaryFile
 {
 public:
-    // A new, empty file in the folder of `path`, under one of its temporary names. Without the lock the file
-    // is claimed, and so whoever has the lock lets it stand.
-    TemporaryFile(SettingsPath const& path, SaveLock const& lock) : m_file(Create(path, !lock.IsOwned())) {}
+    // A new, empty file in the folder of `path`, under one of its temporary names.
+    explicit TemporaryFile(SettingsPath const& path) : m_file(Create(path)) {}
     TemporaryFile(TemporaryFile const&) = delete;
     TemporaryFile& operator=(TemporaryFile const&) = delete;
     ~TemporaryFile();
@@ -40,18 +39,17 @@ public:
     bool IsThere() const;
 
 private:
-    HANDLE Create(SettingsPath const& path, bool isClaimed);
+    HANDLE Create(SettingsPath const& path);
     bool Move(string const& name, DWORD flags);
 
     string m_name;
     DWORD m_error = ERROR_SUCCESS;
     bool m_exists = false;
-    HANDLE m_claim = nullptr;
     FileHandle m_file;
 };
 
-// Removes the temporary files of dead savers: all that nobody claims, so only whoever holds the file's lock
-// may. Throws std::bad_alloc.
-void RemoveTemporaries(SettingsPath const& path);
+// For the owner of the lock, while nobody does without: removes the temporary files of dead savers. Throws
+// std::bad_alloc.
+void RemoveTemporaries(SettingsPath const& path, SaveLock const& lock);
 
 } // namespace Quarn::detail
