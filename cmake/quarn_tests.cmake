@@ -52,8 +52,8 @@ function(quarn_discover_tests name)
     target_precompile_headers(quarn_test_header PRIVATE <gtest/gtest.h>)
   endif()
   target_precompile_headers(${name} REUSE_FROM quarn_test_header)
-  get_target_property(is_unity_build quarn_objects UNITY_BUILD)
-  set_target_properties(${name} PROPERTIES UNITY_BUILD ${is_unity_build})
+  # Several files at once, in half the time.
+  set_target_properties(${name} PROPERTIES UNITY_BUILD ON)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   target_compile_definitions(${name} PRIVATE QUARN_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data")
   if(QUARN_COVERAGE) # each program's counts in a folder of their own

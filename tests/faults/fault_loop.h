@@ -3,6 +3,7 @@
 #pragma once
 
 #include "tests/faults/fault_plan.h"
+#include "tests/scale.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -24,9 +25,12 @@ inline bool IsComplete()
     return wanted != nullptr && std::string_view(wanted) == "all";
 }
 
-// From one number of allocations to the next: 1, or more where the rounds take too long for a short run.
-// Calls of the system are never left out.
-int AllocationStep();
+// From one number of allocations to the next: 1, or more where the rounds take too long for a short run;
+// above the system's calls it is the same code everywhere. Calls of the system are never left out.
+inline int AllocationStep()
+{
+    return Slowness == 1 || IsComplete() ? 1 : 10;
+}
 
 // How many faults have fallen, for whoever wants to say so.
 struct Figures

@@ -1,7 +1,6 @@
 // Savers that do without the lock, and what its owner sees of them.
-#include "quarn/properties/win32/save_lock.h"
-
 #include "quarn/platform/win32_api.h"
+#include "quarn/properties/win32/save_lock.h"
 #include "quarn/properties/win32/temporary_file.h"
 
 #include "tests/platform/scratch_folder.h"

@@ -21,10 +21,4 @@ std::vector<Plan> Plans()
     return plans;
 }
 
-// Above the system's calls it is the same code as elsewhere, where no allocation is left out.
-int AllocationStep()
-{
-    return IsComplete() ? 1 : 10;
-}
-
 } // namespace Faults
