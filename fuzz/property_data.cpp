@@ -1,5 +1,5 @@
 // Property data from type name and text, and from raw bytes. The text form of whatever comes out makes the
-// same payload again, and every reader stays inside the bytes.
+// same payload again, every reader stays inside the bytes, and numbers are those of the C library.
 //
 // Input: one byte for the type, then the text or the bytes.
 #include "quarn/properties/property_data.h"
@@ -8,8 +8,11 @@
 #include "fuzz/memory_bound.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
+#include <limits>
 
 namespace {
 
@@ -38,6 +41,21 @@ void CheckRoundTrip(PropertyData const& data)
           "the copy differs");
 }
 
+// Of a number that 64 bits can hold: a text gives the nearest one of 32 bits, the type "int32" its lower
+// bits.
+void CheckNumber(Quarn::string const& text)
+{
+    errno = 0;
+    long long const number = std::strtoll(text.c_str(), nullptr, 10);
+    if (errno != ERANGE) {
+        constexpr long long Least = std::numeric_limits<std::int32_t>::min();
+        constexpr long long Most = std::numeric_limits<std::int32_t>::max();
+        Check(PropertyData(text).GetDataInt32() == std::clamp(number, Least, Most), "another number");
+        Check(PropertyData::Create("int32", text).GetDataInt32() == static_cast<std::int32_t>(number),
+              "other bits of the number");
+    }
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
@@ -55,6 +73,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     fuzz::Watch(TextBound, size, [&] { written = created.GetDataString(); });
     CheckRoundTrip(created);
     CheckRoundTrip(PropertyData(text));
+    CheckNumber(text);
     CheckRoundTrip(PropertyData(bytes, static_cast<long>(size - 1)));
 
     PropertyData raw;

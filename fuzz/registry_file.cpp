@@ -1,6 +1,7 @@
 // The registry's file, opened by the registry itself. Whatever the file is, every function ends, in bounded
 // memory and with a documented code; what is refused stays as it is; two readings bring the same; and where
-// the data base by itself finds the file sound, what is written is read back.
+// the data base by itself finds the file sound, what is written is read back and a key that was moved is
+// gone.
 //
 // Input: the file.
 #include "quarn/platform/posix/registry_store.h"
@@ -69,6 +70,22 @@ void ReadValues()
     }
 }
 
+// A copy of a key with all below it, and a move.
+void CopyAndMove(bool isSound)
+{
+    Win32Quarn::CurrentUserKey from("Software");
+    Win32Quarn::CurrentUserKey copy("Copied");
+    if (from.OpenRead("")) {
+        fuzz::Check(!from.Copy(copy, false), "a copy deliberately never succeeds");
+    }
+    bool const isMoved = Win32Quarn::CurrentUserKey("Software").Rename("Moved");
+    HKEY key = nullptr;
+    if (fuzz::Documented(::RegOpenKeyExA(HKEY_CURRENT_USER, "Software", 0, KEY_READ, &key)) == 0) {
+        ::RegCloseKey(key);
+        fuzz::Check(!isSound || !isMoved, "a key that was moved is still there");
+    }
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
@@ -94,6 +111,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
         Quarn::Win32::RegistryPropPersist(HKEY_CURRENT_USER).Populate(&tree);
         ReadValues();
         fuzz::WriteAndRemove(HKEY_CURRENT_USER, isSound && !fuzz::IsDamage(first));
+        CopyAndMove(isSound);
         Quarn::detail::RegistryStore::CloseFiles();
         if (fuzz::IsDamage(first)) {
             fuzz::Check(fuzz::RegistryFolder::Content(folder.UserFile()) == content,
