@@ -78,14 +78,16 @@ constexpr char const* StatementTexts[] = {
     "SELECT 1 FROM registry_key WHERE id = ?1",
     // The row is asked, too: an index that leads elsewhere could make a loop of keys.
     R"(SELECT k.id FROM registry_key AS i CROSS JOIN registry_key AS k ON k.id = i.id
-       WHERE i.parent = ?1 AND i.fold = ?2 AND k.parent = ?1)",
+       WHERE i.parent = ?1 AND i.fold = ?2 AND k.parent = ?1 AND k.fold = ?2)",
     "SELECT parent FROM registry_key WHERE id = ?1",
     "INSERT INTO registry_key(parent, name, fold) VALUES (?1, ?2, ?3)",
     "SELECT 1 FROM registry_key WHERE parent = ?1 LIMIT 1",
     "DELETE FROM registry_value WHERE key_id = ?1",
     "DELETE FROM registry_key WHERE id = ?1",
     "SELECT id FROM registry_key WHERE parent = ?1 ORDER BY fold",
-    "SELECT name, fold FROM registry_key WHERE id = ?1 AND parent = ?2",
+    // And the index: whoever removes what is listed, by its name, would never come to an end.
+    R"(SELECT name, fold FROM registry_key AS k WHERE id = ?1 AND parent = ?2 AND EXISTS
+       (SELECT 1 FROM registry_key AS i WHERE i.parent = ?2 AND i.fold = k.fold AND +i.id = ?1))",
     "SELECT type, data FROM registry_value WHERE key_id = ?1 AND fold = ?2",
     R"(INSERT INTO registry_value(key_id, name, fold, type, data)
        SELECT id, ?2, ?3, ?4, ?5 FROM registry_key WHERE id = ?1

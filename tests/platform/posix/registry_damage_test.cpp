@@ -1,4 +1,6 @@
 // Registry files that are damaged, foreign, missing or not to be written.
+#include "quarn/registry/registry_key.h"
+
 #include "tests/platform/posix/registry_child.h"
 
 #include <gtest/gtest.h>
@@ -137,6 +139,28 @@ TEST(RegistryDamage, ATrapIsRefusedAndLeftAsItIs)
         EXPECT_EQ(folder.Run(WalkDown), 0);
         EXPECT_TRUE(ContentOf(folder.UserFile()) == content);
     }
+}
+
+// Its name leads to no key, and so a move, which opens keys by their names, would make a new one of that name
+// and delete it, again and again.
+TEST(RegistryDamage, AMoveEndsAtAKeyThatIsListedAndNotFound)
+{
+    RegistryFolder const folder;
+    Write(folder.UserFile(), ContentOf(QUARN_REGISTRY_SEEDS "/key_under_another_name"));
+    EXPECT_EQ(folder.Run([] {
+        ::alarm(60);
+        bool const isMoved = Win32Quarn::CurrentUserKey("Software").Rename("Moved");
+        HKEY key = nullptr;
+        bool const isThere = OpenKey(HKEY_CURRENT_USER, "Software", key) == 0;
+        long code = 0;
+        for (DWORD index = 0; code == 0; ++index) {
+            char name[300];
+            DWORD size = sizeof name;
+            code = ::RegEnumKeyExA(key, index, name, &size, nullptr, nullptr, nullptr, nullptr);
+        }
+        return !isMoved && isThere && code == 1015;
+    }),
+              1);
 }
 
 // Holes make a file as large as anybody likes.
