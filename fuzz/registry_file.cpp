@@ -111,7 +111,9 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
         Quarn::Win32::RegistryPropPersist(HKEY_CURRENT_USER).Populate(&tree);
         ReadValues();
         fuzz::WriteAndRemove(HKEY_CURRENT_USER, isSound && !fuzz::IsDamage(first));
-        CopyAndMove(isSound);
+        if (!fuzz::IsDamage(first)) {
+            CopyAndMove(isSound);
+        }
         Quarn::detail::RegistryStore::CloseFiles();
         if (fuzz::IsDamage(first)) {
             fuzz::Check(fuzz::RegistryFolder::Content(folder.UserFile()) == content,
