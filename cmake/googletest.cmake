@@ -14,7 +14,6 @@ else()
     set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
     set(CMAKE_COMPILE_WARNING_AS_ERROR OFF)
     add_subdirectory(${QUARN_GOOGLETEST_SOURCES} ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
-    target_compile_options(gtest PRIVATE $<$<CONFIG:Release>:-O0>) # as the tests are
   endblock()
   if(NOT TARGET GTest::gtest)
     add_library(GTest::gtest ALIAS gtest)
